@@ -1,0 +1,6 @@
+#include "HelixDash/services/LocationManager.h"
+
+LocationManager* LocationManager::instance() {
+    static LocationManager manager;
+    return &manager;
+}

@@ -1,0 +1,6 @@
+#include "HelixDash/services/RuntimeEnv.h"
+
+RuntimeEnv* RuntimeEnv::instance() {
+    static RuntimeEnv environment;
+    return &environment;
+}
