@@ -1,0 +1,5 @@
+#include <HelixDash/tables/TableController.h>
+
+TableRenderer::~TableRenderer() = default;
+
+TableController::TableController(QObject* parent) : QObject(parent) {}

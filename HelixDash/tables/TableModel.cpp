@@ -1,0 +1,3 @@
+#include <HelixDash/tables/TableModel.h>
+
+TableModel::TableModel(QObject* parent) : QObject(parent) {}

@@ -1,0 +1,81 @@
+#include "HelixDash/views/TouchTrap.h"
+
+#include <HelixDash/views/PopupView.h>
+#include <HelixDash/views/SkinColor.h>
+
+#include <QChildEvent>
+#include <QPainter>
+
+PopupView::PopupView(DisplayView* parent, int cornerRadius, int margin)
+    : DisplayView(parent), mCornerRadius(qMax(0, cornerRadius)), mMargin(qMax(0, margin)) {
+    mTrap = new TouchTrap(screenView(), nullptr);
+    connect(mTrap, &TouchTrap::touchedElsewhere, this, &PopupView::dismiss);
+    mTimer.setSingleShot(true);
+    connect(&mTimer, &QTimer::timeout, this, &PopupView::dismiss);
+    mTimer.start(kShownMs);
+    if (parent)
+        parent->installEventFilter(this);
+}
+
+PopupView::~PopupView() {
+    if (mTrap)
+        mTrap->retire();
+}
+
+void PopupView::sizeToContents() {
+    QRect contents;
+    for (const DisplayView* view : childViews())
+        contents |= view->geometry();
+    for (DisplayView* view : childViews())
+        view->move(view->left() - contents.left() + mMargin, view->top() - contents.top() + mMargin);
+    resize(contents.width() + 2 * mMargin, contents.height() + 2 * mMargin);
+}
+
+void PopupView::dismiss() {
+    if (mDismissed)
+        return;
+    mDismissed = true;
+    mTimer.stop();
+    if (mTrap)
+        mTrap->retire();
+    setVisible(false);
+    deleteLater();
+}
+
+void PopupView::enabledFlagChanged(bool on) {
+    if (!on)
+        dismiss();
+}
+
+void PopupView::touchLost() {
+    dismiss();
+}
+
+bool PopupView::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::ChildPolished) {
+        // A view that was made after this one would cover it; another popup may.
+        if (!qobject_cast<PopupView*>(static_cast<QChildEvent*>(event)->child()))
+            raise();
+    } else if (event->type() == QEvent::Resize) {
+        moveToMiddle();
+    }
+    return DisplayView::eventFilter(watched, event);
+}
+
+void PopupView::moveToMiddle() {
+    if (parentWidget())
+        move((parentWidget()->width() - width()) / 2, (parentWidget()->height() - height()) / 2);
+}
+
+void PopupView::resizeEvent(QResizeEvent* event) {
+    DisplayView::resizeEvent(event);
+    moveToMiddle();
+}
+
+void PopupView::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(SkinColor::color("edge"));
+    painter.setBrush(SkinColor::color("panel"));
+    painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), mCornerRadius, mCornerRadius);
+}

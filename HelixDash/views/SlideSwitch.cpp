@@ -1,0 +1,31 @@
+#include <HelixDash/views/FontManager.h>
+#include <HelixDash/views/SlideSwitch.h>
+
+#include <QFontMetrics>
+
+namespace {
+
+constexpr int kSmallestItemWidth = 70;
+constexpr int kItemPadding = 36;
+
+}  // namespace
+
+SlideSwitch::SlideSwitch(DisplayView* parent, const QStringList& items) : SwitchControl(parent, Qt::Horizontal, items) {
+    setSwitchType(Compact);
+}
+
+int SlideSwitch::compactWidth() const {
+    const QFontMetrics metrics(FontManager::standardFont(19, QFont::DemiBold));
+    int widest = kSmallestItemWidth;
+    for (const QString& item : items())
+        widest = qMax(widest, metrics.horizontalAdvance(item) + kItemPadding);
+    return widest * qMax(1, int(items().size()));
+}
+
+void SlideSwitch::setSwitchType(int type) {
+    mType = type;
+    if (type == Row)
+        resizeSilently(415, 70);
+    else
+        resizeSilently(compactWidth(), 60);
+}
