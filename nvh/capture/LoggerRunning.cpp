@@ -1,0 +1,3 @@
+#include "nvh/capture/LoggerRunning.h"
+
+std::atomic<bool> loggerRunning{false};

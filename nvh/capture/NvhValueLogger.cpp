@@ -1,0 +1,68 @@
+#include "nvh/capture/NvhValueLogger.h"
+
+#include "nvh/capture/Truncate.h"
+
+#include <HelixDash/services/Logger.h>
+
+NvhValueLogger::NvhValueLogger(QString& fileName, RealDataValue* value) : mFileName(fileName), mValue(value) {}
+
+NvhValueLogger::~NvhValueLogger() {
+    closeFile();
+    mThread.quit();
+    mThread.wait();
+}
+
+void NvhValueLogger::startLogging() {
+    Logger(this, "INFO") << "Logger Thread Started! ID: " << quintptr(QThread::currentThreadId());
+    // A recording that ended before this thread came up is over: no file may be left open for it.
+    if (mStopped)
+        return;
+    openValueStream();
+    mClock.start();
+    if (mValue)
+        connect(mValue, &RealDataValue::realValueChanged, this, &NvhValueLogger::writeToFile, Qt::UniqueConnection);
+}
+
+void NvhValueLogger::openValueStream() {
+    closeFile();
+    mFile = std::fopen(mFileName.toLocal8Bit().constData(), "w");
+    if (!mFile) {
+        Logger(this, "ERROR") << "OpenValueStream : Cannot Create File: " << mFileName;
+        mStopped = true;
+    }
+}
+
+void NvhValueLogger::writeToFile() {
+    if (mStopped)
+        return;
+    const int value = getIntValue();
+    const qint64 elapsed = mClock.elapsed();
+    const QByteArray line = QStringLiteral("%1, %2%3").arg(elapsed).arg(value).arg(QLatin1String("\n")).toLocal8Bit();
+    if (std::fwrite(line.constData(), size_t(line.size()), 1, mFile) < 1)
+        Logger(this, "ERROR") << "writeToFile"
+                              << " Can't Write to File!";
+}
+
+int NvhValueLogger::getIntValue() {
+    const DataValue::StateLocker locker(mValue);
+    return truncated(mValue->value());
+}
+
+void NvhValueLogger::stopLogging() {
+    Logger(this, "INFO") << "stopLogging"
+                         << " Stopping DataValue Logging....";
+    mStopped = true;
+    closeFile();
+    emit finished();
+    thread()->quit();
+}
+
+void NvhValueLogger::closeFile() {
+    if (!mFile)
+        return;
+    // Buffered lines reach the disk here, so this is where a full disk shows.
+    if (std::fclose(mFile) != 0)
+        Logger(this, "ERROR") << "writeToFile"
+                              << " Can't Write to File!";
+    mFile = nullptr;
+}

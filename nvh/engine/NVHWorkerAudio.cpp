@@ -1,0 +1,126 @@
+// The audio recorder, and the repair of a WAV header that it left unfinished.
+
+#include "nvh/engine/NVHWorker.h"
+#include "nvh/packaging/ChildProcess.h"
+
+#include <HelixDash/services/Logger.h>
+
+#include <QFile>
+#include <QFileInfo>
+#include <QtEndian>
+
+#include <sys/stat.h>
+
+namespace {
+
+// Invalid if there is no capture file.
+QDateTime captureWrittenAt() {
+    return QFileInfo(cCapturingFileName.value()).lastModified();
+}
+
+}  // namespace
+
+void NVHWorker::startAudioRecording() {
+    Logger(this, "INFO") << "startAudioRecording";
+    if (recorderIsEnding()) {
+        mRecorderWanted = true;
+        return;
+    }
+    mCaptureDiscarded = false;
+    if (!mRecorder)
+        mRecorder = makeProcess(&NVHWorker::arecord_done, &NVHWorker::arecord_error);
+    mRecorderTerminated = false;
+    mCaptureBefore = captureWrittenAt();
+    startProcess(mRecorder, QStringLiteral("/usr/bin/arecord"),
+                 {"-Dapp_in_diagnostic", "-c8", "-r48000", "-fS16_LE", "-N", cCapturingFileName.value()});
+    emit startUpdating();
+}
+
+bool NVHWorker::recorderIsEnding() const {
+    return mRecorderTerminated && isActive(mRecorder);
+}
+
+void NVHWorker::stopAudioRecording() {
+    mRecorderWanted = false;
+    // Once only: a second request can end the recorder before it has completed its file.
+    if (!isActive(mRecorder) || mRecorderTerminated)
+        return;
+    mRecorderTerminated = true;
+    mRecorder->terminate();
+}
+
+void NVHWorker::arecord_done() {
+    if (!mRecorder)
+        return;
+    const QString output = QString::fromLocal8Bit(mRecorder->readAll());
+    Logger(this, "INFO") << "arecord:" << output;
+    const bool endedByItself = mRunning && !mRecorderTerminated;
+    const bool wroteNothing = endedByItself && captureWrittenAt() == mCaptureBefore;
+    mRecorder = nullptr;
+    mRecorderTerminated = false;
+    if (mCaptureDiscarded)
+        QFile::remove(cCapturingFileName.value());
+    else if (!wroteNothing)
+        processRecording(RecordingTest);
+    // Without a device or with a full disk the recorder leaves by itself; nobody must go on driving for nothing.
+    if (endedByItself)
+        failRecording(output);
+    if (mTestType == QLatin1String("Mic Test") && !mCaptureDiscarded && !wroteNothing)
+        startMicCheck();
+    mCaptureDiscarded = false;
+    resumeWhatWaited();
+}
+
+void NVHWorker::arecord_error() {
+    failRecording(mRecorder ? QString::fromLocal8Bit(mRecorder->readAll()) : QString());
+}
+
+void NVHWorker::failRecording(const QString& output) {
+    stop();
+    Logger(this, "ERROR") << "Error with arecord" << output;
+    emit updateFeedbackLabel(QStringLiteral("Error with arecord\n%1").arg(output));
+    resumeWhatWaited();
+}
+
+bool NVHWorker::writeBytesToFile(FILE* file, int offset, void* data, size_t size) {
+    if (std::fseek(file, offset, SEEK_SET) != 0) {
+        logWithErrorNum("File Seek Error!");
+        return false;
+    }
+    if (std::fwrite(data, size, 1, file) < 1) {
+        logWithErrorNum("File Write Error!");
+        return false;
+    }
+    return true;
+}
+
+bool NVHWorker::fixWavHeader(QString& path) {
+    FILE* file = std::fopen(path.toLocal8Bit().constData(), "rb+");
+    if (!file) {
+        logWithErrorNum("Error opening file!!");
+        return false;
+    }
+    struct stat status {};
+    if (::fstat(fileno(file), &status) != 0) {
+        logWithErrorNum("Fstat Error!");
+        std::fclose(file);
+        return false;
+    }
+    const auto size = qint32(status.st_size);
+    qint32 dataSize = qToLittleEndian(size - 44);
+    qint32 riffSize = qToLittleEndian(size - 8);
+    // The data size first: a header that is repaired by half still says that its data is unfinished.
+    if (!writeBytesToFile(file, 40, &dataSize, sizeof dataSize)) {
+        Logger(this, "ERROR") << "Error Writing Data Size!";
+        return false;
+    }
+    if (!writeBytesToFile(file, 4, &riffSize, sizeof riffSize)) {
+        Logger(this, "ERROR") << "Error Writing Riff Size!";
+        return false;
+    }
+    if (std::fclose(file) != 0) {
+        logWithErrorNum("File Close Error!");
+        return false;
+    }
+    return true;
+}

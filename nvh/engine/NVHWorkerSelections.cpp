@@ -1,0 +1,94 @@
+// The user's selections and what they mean in words, tags and seconds.
+
+#include "nvh/capture/Truncate.h"
+#include "nvh/engine/NVHWorker.h"
+
+#include <HelixDash/services/SysUtils.h>
+#include <HelixDash/values/DataValueManager.h>
+
+#include <iterator>
+
+void NVHWorker::setTestType(QString testType) {
+    mTestType = testType;
+}
+
+void NVHWorker::setSliderDurationPosition(int pos) {
+    mSliderDurationPosition = pos;
+}
+
+void NVHWorker::setClunkButtonState(bool state) {
+    mClunkButtonState = state;
+}
+
+void NVHWorker::setMicChannel(int channel) {
+    mMicChannel = channel;
+}
+
+int NVHWorker::getMicChannel() {
+    return mMicChannel;
+}
+
+void NVHWorker::setFreqResolution(int selection) {
+    mFreqResolution = selection;
+}
+
+int NVHWorker::getFreqResolution() {
+    return mFreqResolution;
+}
+
+bool NVHWorker::isBrakeSquealTest() const {
+    return mTestType == QLatin1String("Brake Squeal");
+}
+
+int NVHWorker::getDuration() {
+    static constexpr int seconds[] = {0, 5, 10, 15, 20, 30, 45, 60};
+    const bool known = mSliderDurationPosition >= 0 && mSliderDurationPosition < int(std::size(seconds));
+    return known ? seconds[mSliderDurationPosition] : -1;
+}
+
+QString NVHWorker::parseFftSize() const {
+    switch (mFreqResolution) {
+        case 0:
+            return QStringLiteral("2048");
+        case 1:
+            return QStringLiteral("4096");
+        case 3:
+            return QStringLiteral("16384");
+        default:
+            return QStringLiteral("8192");
+    }
+}
+
+QString NVHWorker::parseMicChannel() const {
+    switch (mMicChannel) {
+        case 0:
+            return QStringLiteral("sum");
+        case 2:
+            return QStringLiteral("right");
+        default:
+            return QStringLiteral("left");
+    }
+}
+
+QString NVHWorker::getTag() {
+    const QString tag = testTypesVsTags[mTestType];
+    return mClunkButtonState ? QStringLiteral("%1_CLUNK").arg(tag) : tag;
+}
+
+QString NVHWorker::getTrim() {
+    const auto* trim = DataValueManager::instance().find<IntDataValue>("VAPI_trim");
+    const DataValue::StateLocker locker(trim);
+    QString name =
+        trim && trim->isValid() ? NameForEnum(TrimNameMap, trim->value()) : QString::fromLatin1(DataValue::kInvalid);
+    return name.remove(QLatin1Char('+'));
+}
+
+QString NVHWorker::readVin() const {
+    return SysUtils::vin();
+}
+
+int NVHWorker::getMotorRPM() {
+    const auto* rpm = DataValueManager::instance().find<RealDataValue>("VAPI_motorRPM");
+    const DataValue::StateLocker locker(rpm);
+    return rpm ? truncated(rpm->value()) : 0;
+}

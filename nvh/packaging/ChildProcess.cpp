@@ -1,0 +1,29 @@
+#include "nvh/packaging/ChildProcess.h"
+
+QString bracketed(const QStringList& items) {
+    return QLatin1Char('[') + items.join(QLatin1String(", ")) + QLatin1Char(']');
+}
+
+void endChildProcess(QProcess* process, int graceMs) {
+    if (!process)
+        return;
+    process->disconnect();
+    if (!isActive(process))
+        return;
+    if (graceMs > 0) {
+        process->terminate();
+        if (process->waitForFinished(graceMs))
+            return;
+    }
+    process->kill();
+    process->waitForFinished(-1);
+}
+
+bool isActive(const QProcess* process) {
+    return process && process->state() != QProcess::NotRunning;
+}
+
+bool hasSucceeded(const QProcess* process) {
+    return process->error() == QProcess::UnknownError && process->exitStatus() == QProcess::NormalExit &&
+           process->exitCode() == 0;
+}

@@ -1,0 +1,178 @@
+// Packing: tar piped into gzip, and what becomes of the loose files.
+
+#include "nvh/packaging/NvhPackageManager.h"
+
+#include "nvh/engine/Settings.h"
+#include "nvh/packaging/ChildProcess.h"
+#include "nvh/packaging/PackageRescue.h"
+
+#include <HelixDash/services/Logger.h>
+#include <HelixDash/services/SysUtils.h>
+
+#include <QFile>
+#include <QPointer>
+
+#include <utility>
+
+NvhPackageManager::NvhPackageManager() = default;
+
+NvhPackageManager::~NvhPackageManager() {
+    blockSignals(true);
+    const bool incomplete = isActive(mGzipProcess);
+    for (QProcess* process : {mTarProcess, mGzipProcess, mUploadPackageProcess, mUploadMetadataProcess})
+        endChildProcess(process);
+    if (incomplete)
+        QFile::remove(mArchiveInWork);
+}
+
+QString NvhPackageManager::readVin() {
+    return SysUtils::vin();
+}
+
+void NvhPackageManager::startPackageManagerProcess(QString& packageName, QStringList& files) {
+    Logger(this, "INFO") << "startPackageManagerProcess";
+    // The pair at work would take this package's files for its own and remove them unpacked.
+    if (isPackaging()) {
+        mWaitingPackagings.push_back({packageName, files});
+        return;
+    }
+    mPackageName = packageName;
+    mFileList = files;
+    mUploadFailCount = 0;
+    mUploadSuccessCount = 0;
+    mRescueFolder.clear();
+    if (mFileList.isEmpty()) {
+        Logger(this, "ERROR") << "File List Empty!";
+        emit packagingFailure();
+    }
+    startPipeline();
+}
+
+void NvhPackageManager::startPipeline() {
+    mArchiveInWork = mPackageName;
+    mPipelineBroken = false;
+    if (!mTarProcess || !mGzipProcess) {
+        mTarProcess = new QProcess(this);
+        mGzipProcess = new QProcess(this);
+        mTarProcess->setStandardOutputProcess(mGzipProcess);
+        mGzipProcess->setStandardOutputFile(mPackageName, QIODevice::Truncate);
+        connect(mGzipProcess, qOverload<int, QProcess::ExitStatus>(&QProcess::finished), this,
+                &NvhPackageManager::removeUnpackagedFiles);
+        connect(mTarProcess, &QProcess::errorOccurred, this, &NvhPackageManager::packageError);
+        connect(mGzipProcess, &QProcess::errorOccurred, this, &NvhPackageManager::packageError);
+    }
+    emit packagingStart();
+    const QStringList tarCommand = QStringList{QStringLiteral("tar -cvf -")} + mFileList;
+    Logger(this, "INFO") << "Saving to" << mPackageName;
+    Logger(this, "INFO") << "tarcmd: " << bracketed(tarCommand);
+    mGzipProcess->startCommand(QStringLiteral("gzip -5"));
+    mTarProcess->startCommand(tarCommand.join(QLatin1Char(' ')));
+}
+
+void NvhPackageManager::packageError() {
+    Logger(this, "ERROR") << "Packaging Error!";
+    mPipelineBroken = true;
+    emit packageManagerFailure();
+    // A gzip that never started never finishes; tar dies of its broken pipe.
+    if (!mGzipProcess || mGzipProcess->error() != QProcess::FailedToStart)
+        return;
+    if (isActive(mTarProcess))
+        connect(mTarProcess, qOverload<int, QProcess::ExitStatus>(&QProcess::finished), this,
+                &NvhPackageManager::abandonPipeline, Qt::UniqueConnection);
+    else
+        abandonPipeline();
+}
+
+void NvhPackageManager::abandonPipeline() {
+    if (!mGzipProcess)
+        return;
+    QFile::remove(mArchiveInWork);
+    endPipeline();
+    // Once more, for those who look at what is left now.
+    emit packageManagerFailure();
+    startNextPackaging();
+}
+
+void NvhPackageManager::removeUnpackagedFiles() {
+    // How tar ended may be known only after gzip has.
+    if (isActive(mTarProcess)) {
+        connect(mTarProcess, qOverload<int, QProcess::ExitStatus>(&QProcess::finished), this,
+                &NvhPackageManager::removeUnpackagedFiles, Qt::UniqueConnection);
+        return;
+    }
+    if (!mGzipProcess)
+        return;
+    endPipeline();
+    startUploadingPackage(mPackageName);
+    startNextPackaging();
+}
+
+void NvhPackageManager::endPipeline() {
+    const QStringList removable = safeToRemove();
+    mTarProcess = nullptr;
+    mGzipProcess = nullptr;
+    for (const QString& file : removable) {
+        if (!QFile::remove(file))
+            Logger(this, "ERROR") << "Cannot Remove:" << file;
+    }
+    mFileList.clear();
+}
+
+QStringList NvhPackageManager::safeToRemove() {
+    if (!mPipelineBroken && hasSucceeded(mTarProcess) && hasSucceeded(mGzipProcess) &&
+        !archiveHoldsNothing(mArchiveInWork))
+        return mFileList;
+    const QString reason =
+        QString::fromLocal8Bit(mTarProcess->readAllStandardError() + mGzipProcess->readAllStandardError())
+            .trimmed()
+            .section(QLatin1Char('\n'), -1);
+    const Rescue rescue = rescueFiles(mArchiveInWork, mFileList);
+    if (rescue.folder.isEmpty())
+        return mFileList;
+    Logger(this, "ERROR") << "Package incomplete, its files are kept in" << rescue.folder << reason;
+    mRescueFolder = rescue.folder;
+    emit updateFeedbackLabel(rescueNote());
+    QStringList removable;
+    for (const QString& file : std::as_const(mFileList)) {
+        if (rescue.kept.contains(file) || !QFile::exists(file))
+            removable.append(file);
+    }
+    return removable;
+}
+
+QString NvhPackageManager::rescueNote() const {
+    return QStringLiteral("Packaging failed\nThe files are kept in %1").arg(mRescueFolder);
+}
+
+void NvhPackageManager::startNextPackaging() {
+    for (const auto& callback : std::exchange(mWhenNotPackaging, {}))
+        callback();
+    if (mWaitingPackagings.empty())
+        return;
+    PackageRequest next = mWaitingPackagings.front();
+    mWaitingPackagings.erase(mWaitingPackagings.begin());
+    startPackageManagerProcess(next.packageName, next.files);
+}
+
+void NvhPackageManager::whenNotPackaging(QObject* context, std::function<void()> callback) {
+    if (!isPackaging()) {
+        callback();
+        return;
+    }
+    mWhenNotPackaging.push_back([context = QPointer<QObject>(context), callback = std::move(callback)] {
+        if (context)
+            callback();
+    });
+}
+
+bool NvhPackageManager::ambientSoundRecordingExists() const {
+    return QFile::exists(cAmbientFileName.value());
+}
+
+bool NvhPackageManager::soundRecordingExists() const {
+    return QFile::exists(cRecordingFilename.value());
+}
+
+bool NvhPackageManager::notesRecordingExists() const {
+    return QFile::exists(cNotesFileName.value());
+}

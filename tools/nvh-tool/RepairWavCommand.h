@@ -1,0 +1,14 @@
+#pragma once
+
+#include "tools/nvh-tool/Command.h"
+
+// Repairs the size fields that a recorder which was cut off left untrue.
+class RepairWavCommand : public Command {
+public:
+    QString name() const override { return QStringLiteral("repair-wav"); }
+    QString arguments() const override { return QStringLiteral("FILE…"); }
+    QString description() const override {
+        return QStringLiteral("sets a WAV header's size fields from the file's length");
+    }
+    int run(const QCommandLineParser& parser, const QStringList& arguments, HostServices& services) override;
+};
