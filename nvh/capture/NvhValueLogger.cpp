@@ -37,7 +37,7 @@ void NvhValueLogger::writeToFile() {
         return;
     const int value = getIntValue();
     const qint64 elapsed = mClock.elapsed();
-    const QByteArray line = QStringLiteral("%1, %2%3").arg(elapsed).arg(value).arg(QLatin1String("\n")).toLocal8Bit();
+    const QByteArray line = QByteArray::number(elapsed) + ", " + QByteArray::number(value) + '\n';
     if (std::fwrite(line.constData(), size_t(line.size()), 1, mFile) < 1)
         Logger(this, "ERROR") << "writeToFile"
                               << " Can't Write to File!";

@@ -1,0 +1,12 @@
+#pragma once
+
+#include "bench/measuring/Report.h"
+
+// Packing 60 s of recording through the package manager against the bare shell pipeline.
+Measurement packingMeasurement();
+
+// Value changes that a logger writes without losing one against a bare fprintf loop.
+Measurement loggerMeasurement();
+
+// The longest time that the UI thread was away from its event loop in a test run on the bench, outside stop().
+Measurement testRunMeasurement();
