@@ -14,6 +14,20 @@
 
 #include <utility>
 
+namespace {
+
+// What the program said in its own name on standard error; tar lists the packed files there too.
+QString complaintOf(QProcess* process) {
+    const QString name = process->program() + QLatin1Char(':');
+    for (const QString& line : QString::fromLocal8Bit(process->readAllStandardError()).split(QLatin1Char('\n'))) {
+        if (line.startsWith(name))
+            return line;
+    }
+    return QString();
+}
+
+}  // namespace
+
 NvhPackageManager::NvhPackageManager() = default;
 
 NvhPackageManager::~NvhPackageManager() {
@@ -122,10 +136,7 @@ QStringList NvhPackageManager::safeToRemove() {
     if (!mPipelineBroken && hasSucceeded(mTarProcess) && hasSucceeded(mGzipProcess) &&
         !archiveHoldsNothing(mArchiveInWork))
         return mFileList;
-    const QString reason =
-        QString::fromLocal8Bit(mTarProcess->readAllStandardError() + mGzipProcess->readAllStandardError())
-            .trimmed()
-            .section(QLatin1Char('\n'), -1);
+    const QString reason = complaintOf(mTarProcess) + complaintOf(mGzipProcess);
     const Rescue rescue = rescueFiles(mArchiveInWork, mFileList);
     if (rescue.folder.isEmpty())
         return mFileList;

@@ -70,7 +70,9 @@ void PackageOutcome::fail(const QString& step) {
 
 void PackageOutcome::checkLater() {
     QTimer::singleShot(0, this, [this] {
-        if (mManager.isIdle())
-            emit settled();
+        if (mSettled || !mManager.isIdle())
+            return;
+        mSettled = true;
+        emit settled();
     });
 }

@@ -19,7 +19,7 @@ public:
     QString feedback() const { return mFeedback; }
 
 signals:
-    // Nothing is packed, uploaded or posted any more. Not before the event loop has turned.
+    // Once: nothing is packed, uploaded or posted any more. Not before the event loop has turned.
     void settled();
 
 private:
@@ -29,4 +29,5 @@ private:
     NvhPackageManager& mManager;
     QString mReason;
     QString mFeedback;
+    bool mSettled = false;
 };
