@@ -1,7 +1,5 @@
 #pragma once
 
-#include "nvh/Export.h"
-
 #include <QProcess>
 #include <QString>
 #include <QStringList>
@@ -13,7 +11,7 @@ QString bracketed(const QStringList& items);
 
 // Ends a child before its owner goes: no slot of anybody hears of it any more; it is asked once to terminate, given
 // that many milliseconds, then killed and waited for. Zero milliseconds: killed at once. Null and idle are allowed.
-NVH_EXPORT void endChildProcess(QProcess* process, int graceMs = 0);
+void endChildProcess(QProcess* process, int graceMs = 0);
 
 // True for a process that is starting or running.
 bool isActive(const QProcess* process);
