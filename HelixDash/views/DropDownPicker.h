@@ -11,11 +11,11 @@
 // out when the user has chosen another one, not for setChoice().
 
 #include <HelixDash/views/ControlBase.h>
+#include <HelixDash/views/ScrollableView.h>
 
 #include <QPointer>
 #include <QStringList>
 
-class ScrollableView;
 class TouchTrap;
 
 class HELIXDASH_EXPORT DropDownPicker : public ControlBase {
