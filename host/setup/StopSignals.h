@@ -1,0 +1,23 @@
+#pragma once
+
+#include <QObject>
+
+// SIGINT and SIGTERM as a signal on the event loop, so that a program can end what it has begun. A second one of the
+// same kind ends the process at once.
+//
+// One object at a time. UI thread.
+class StopSignals : public QObject {
+    Q_OBJECT
+public:
+    explicit StopSignals(QObject* parent = nullptr);
+    ~StopSignals() override;
+
+    // What a shell expects as the status of a program that was ended so.
+    static int exitStatus(int signal) { return 128 + signal; }
+
+signals:
+    void caught(int signal);
+
+private:
+    void read();
+};
