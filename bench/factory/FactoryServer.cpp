@@ -104,7 +104,7 @@ void setSocketOptions(socket_t socket) {
 
 }  // namespace
 
-/// One upload: sorts the parts of the body as they pass, and keeps the field "data".
+// One upload: sorts the parts of the body as they pass, and keeps the field "data".
 class FactoryServer::Upload {
 public:
     Upload(PackageStore& store, httplib::Response& response, qint64 limit)
@@ -132,7 +132,7 @@ public:
         return true;
     }
 
-    /// The name under which the archive is stored; null, and the response set, when it is not.
+    // The name under which the archive is stored; null, and the response set, when it is not.
     std::optional<QString> keep(bool complete) {
         std::optional<QString> name;
         if (mFailure == 0 && !complete)

@@ -4,5 +4,5 @@
 
 class PackageStore;
 
-/// The page a person sees: what has come in, the newest first, each archive to be downloaded.
+// The page a person sees: what has come in, the newest first, each archive to be downloaded.
 QByteArray frontPage(const PackageStore& store);

@@ -71,7 +71,7 @@ bool setFaults(const QStringList& settings, FaultBoard& board, QString* error) {
     return true;
 }
 
-/// Serves until SIGTERM or SIGINT, which the caller has blocked.
+// Serves until SIGTERM or SIGINT, which the caller has blocked.
 void serve(FactoryServer& server, const sigset_t& endSignals) {
     std::thread serving([&server] { server.run(); });
     int received = 0;

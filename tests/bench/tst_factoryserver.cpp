@@ -442,4 +442,4 @@ void FactoryServerTest::endsInTheMiddleOfAnAnswer() {
 }
 
 QTEST_GUILESS_MAIN(FactoryServerTest)
-#include "FactoryServerTest.moc"
+#include "tst_factoryserver.moc"
