@@ -4,6 +4,7 @@
 
 #include <QFile>
 #include <QProcess>
+#include <QProcessEnvironment>
 
 #include <cerrno>
 #include <cstdio>
@@ -16,16 +17,23 @@ namespace {
 const QString kChannelMap =
     QStringLiteral("front-left,front-right,rear-left,rear-right,front-center,lfe,side-left,side-right");
 
+// What the sound server holds ready: longer than a busy machine keeps us from playing on.
+constexpr int kBufferMs = 250;
+
 class SinkOutput : public SoundOutput {
 public:
     explicit SinkOutput(const QString& sink) {
         mPlayer.setProgram(QStringLiteral("pacat"));
-        mPlayer.setArguments({QStringLiteral("--playback"), QStringLiteral("--raw"), QStringLiteral("--format=s16le"),
-                              QStringLiteral("--rate=%1").arg(kCabinRate),
-                              QStringLiteral("--channels=%1").arg(kCabinChannels),
-                              QStringLiteral("--channel-map=") + kChannelMap, QStringLiteral("--latency-msec=40"),
-                              QStringLiteral("--client-name=cabin-sound"), QStringLiteral("--device=") + sink});
+        mPlayer.setArguments(
+            {QStringLiteral("--playback"), QStringLiteral("--raw"), QStringLiteral("--format=s16le"),
+             QStringLiteral("--rate=%1").arg(kCabinRate), QStringLiteral("--channels=%1").arg(kCabinChannels),
+             QStringLiteral("--channel-map=") + kChannelMap, QStringLiteral("--latency-msec=%1").arg(kBufferMs),
+             QStringLiteral("--client-name=cabin-sound"), QStringLiteral("--device=") + sink});
         mPlayer.setStandardOutputFile(QProcess::nullDevice());
+        // A bench gives its recorders a short latency by this variable; it would overrule the player's long one.
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.remove(QStringLiteral("PULSE_LATENCY_MSEC"));
+        mPlayer.setProcessEnvironment(environment);
     }
 
     // pacat ends when its input does; one that hangs on a dead server is killed by QProcess.
@@ -49,7 +57,7 @@ public:
         if (mPlayer.state() == QProcess::Running)
             return true;
         *error =
-            QStringLiteral("pacat ended: %1").arg(QString::fromLocal8Bit(mPlayer.readAllStandardError()).trimmed());
+            QStringLiteral("pacat ended: %1").arg(QString::fromLocal8Bit(mPlayer.readAllStandardError()).simplified());
         return false;
     }
 

@@ -1,0 +1,149 @@
+// bench/up and bench/down, with the recorder program that a vehicle has.
+
+#include <QDir>
+#include <QFile>
+#include <QProcess>
+#include <QRegularExpression>
+#include <QSettings>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <array>
+#include <cmath>
+
+namespace {
+
+// What "source env" gives.
+QProcessEnvironment benchEnvironment(const QString& state) {
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    QFile file(state + "/env");
+    if (file.open(QIODevice::ReadOnly)) {
+        const QRegularExpression line("^export (\\w+)=(.*)$", QRegularExpression::MultilineOption);
+        auto lines = line.globalMatch(QString::fromUtf8(file.readAll()));
+        while (lines.hasNext()) {
+            const auto match = lines.next();
+            environment.insert(match.captured(1), match.captured(2));
+        }
+    }
+    return environment;
+}
+
+}  // namespace
+
+class TestBenchScripts : public QObject {
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void recordsTheCabin();
+    void leavesAloneWhatRuns();
+    void endsWhatItStartedWhenSomethingFails();
+
+private:
+    int bench(const QString& script, const QStringList& arguments = {});
+    // Process numbers by program, of those that live.
+    QMap<QString, int> running() const;
+
+    std::unique_ptr<QTemporaryDir> mPlace;
+    QString mState;
+    QByteArray mSaid;
+};
+
+void TestBenchScripts::init() {
+    mPlace = std::make_unique<QTemporaryDir>();
+    mState = mPlace->filePath("state");
+}
+
+void TestBenchScripts::cleanup() {
+    const QMap<QString, int> before = running();
+    QCOMPARE(bench("down"), 0);
+    for (const int pid : before) {
+        QFile stat(QStringLiteral("/proc/%1/stat").arg(pid));
+        QVERIFY(!stat.open(QIODevice::ReadOnly) || stat.readAll().contains(") Z "));
+    }
+    QVERIFY(running().isEmpty());
+}
+
+int TestBenchScripts::bench(const QString& script, const QStringList& arguments) {
+    QProcess process;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert("NVH_BENCH_STATE", mState);
+    environment.insert("NVH_BIN", NVH_BIN_DIR);
+    process.setProcessEnvironment(environment);
+    process.setProcessChannelMode(QProcess::MergedChannels);
+    process.start(NVH_SOURCE_DIR "/bench/" + script, arguments);
+    const bool ended = process.waitForFinished(30'000);
+    mSaid = process.readAll();
+    return ended ? process.exitCode() : -1;
+}
+
+QMap<QString, int> TestBenchScripts::running() const {
+    QMap<QString, int> found;
+    const QDir state(mState);
+    for (const QString& name : state.entryList({"*.pid"})) {
+        QFile file(state.filePath(name));
+        if (file.open(QIODevice::ReadOnly))
+            found.insert(name.chopped(4), file.readAll().split(' ').first().toInt());
+    }
+    return found;
+}
+
+void TestBenchScripts::recordsTheCabin() {
+    QVERIFY2(bench("up", {"--port", "0"}) == 0, mSaid.constData());
+    const QSettings settings(mState + "/bench.ini", QSettings::IniFormat);
+    QVERIFY(settings.value("nvh/LogVerbose").toBool());
+    const QString wav = settings.value("audio/capturing_file_name").toString();
+    for (int take = 0; take < 2; ++take) {
+        QProcess recorder;
+        recorder.setProcessEnvironment(benchEnvironment(mState));
+        recorder.start("/usr/bin/arecord", {"-Dapp_in_diagnostic", "-c8", "-r48000", "-fS16_LE", "-N", wav});
+        QVERIFY(recorder.waitForStarted());
+        QVERIFY2(!recorder.waitForFinished(2000), recorder.readAllStandardError().constData());
+        recorder.terminate();
+        QVERIFY(recorder.waitForFinished(5000));
+
+        QFile file(wav);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        const QByteArray samples = file.readAll().mid(44);
+        const int frames = int(samples.size()) / 16;
+        QVERIFY2(frames > 1.7 * 48000 && frames < 2.1 * 48000, qPrintable(QString::number(frames)));
+        const auto* const raw = reinterpret_cast<const qint16*>(samples.constData());
+        // From the first twentieth of a second to the last, on every channel.
+        for (const int from : {0, frames - 2400}) {
+            std::array<double, 8> power{};
+            for (int i = from * 8; i < (from + 2400) * 8; ++i)
+                power[size_t(i % 8)] += raw[i] * double(raw[i]) / 2400.0 / 32768.0 / 32768.0;
+            for (const double channel : power)
+                QVERIFY(std::sqrt(channel) > 0.002);
+        }
+    }
+    QProcess curl;
+    curl.start("curl", {"-sS", settings.value("nvh/vdtStaticURL").toString()});
+    QVERIFY(curl.waitForFinished(10'000));
+    QVERIFY(curl.readAll().contains("\"Name\""));
+}
+
+void TestBenchScripts::leavesAloneWhatRuns() {
+    QVERIFY2(bench("up", {"--port", "0", "--no-sound"}) == 0, mSaid.constData());
+    const QMap<QString, int> first = running();
+    QCOMPARE(first.keys(), QStringList("factory-server"));
+    QVERIFY2(bench("up", {"--port", "0", "--no-sound"}) == 0, mSaid.constData());
+    QVERIFY(mSaid.contains("already running"));
+    QCOMPARE(running(), first);
+}
+
+void TestBenchScripts::endsWhatItStartedWhenSomethingFails() {
+    QFile trace(mPlace->filePath("torn.csv"));
+    QVERIFY(trace.open(QIODevice::WriteOnly) && trace.write("t_s,VAPI_motorRPM\n0,1\n1,x\n") > 0);
+    trace.close();
+    QCOMPARE(bench("up", {"--port", "0", "--trace", trace.fileName()}), 1);
+    QVERIFY2(mSaid.contains("torn.csv:3:"), mSaid.constData());
+    QVERIFY(running().isEmpty());
+    QVERIFY(!QFile::exists(mState + "/pulse/native"));
+    QCOMPARE(bench("up", {"--pots", "0"}), 2);
+}
+
+QTEST_GUILESS_MAIN(TestBenchScripts)
+#include "tst_benchscripts.moc"

@@ -1,0 +1,235 @@
+// The cabin's sound, measured: what a trace says must be found in the samples.
+
+#include "bench/sound/Cabin.h"
+
+#include <QFile>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <algorithm>
+#include <cmath>
+#include <complex>
+#include <functional>
+#include <numbers>
+#include <vector>
+
+namespace {
+
+struct Run {
+    int status = -1;
+    QByteArray output;
+    QByteArray errors;
+};
+
+Run cabinSound(const QStringList& arguments) {
+    QProcess process;
+    process.start(NVH_BIN_DIR "/cabin-sound", arguments);
+    if (!process.waitForFinished(30'000))
+        return {};
+    return {process.exitCode(), process.readAllStandardOutput(), process.readAllStandardError()};
+}
+
+using Channel = std::vector<double>;
+
+Channel channelOf(const QByteArray& samples, int channel) {
+    Channel x(size_t(samples.size()) / sizeof(qint16) / kCabinChannels);
+    const auto* const raw = reinterpret_cast<const qint16*>(samples.constData());
+    for (size_t i = 0; i < x.size(); ++i)
+        x[i] = raw[i * kCabinChannels + size_t(channel)] / 32768.0;
+    return x;
+}
+
+double rms(const Channel& x) {
+    double sum = 0.0;
+    for (const double value : x)
+        sum += value * value;
+    return std::sqrt(sum / double(x.size()));
+}
+
+// Level of a tone whose phase, in turns, is a function of time: a single bin of a Fourier transform.
+double toneLevel(const Channel& x, const std::function<double(double)>& turnsAt) {
+    std::complex<double> sum = 0.0;
+    for (size_t i = 0; i < x.size(); ++i)
+        sum += x[i] * std::polar(1.0, -2.0 * std::numbers::pi * turnsAt(double(i) / kCabinRate));
+    return std::abs(sum) * std::numbers::sqrt2 / double(x.size());
+}
+
+double toneLevel(const Channel& x, double frequency) {
+    return toneLevel(x, [frequency](double t) { return frequency * t; });
+}
+
+double decibels(double ratio) {
+    return 20.0 * std::log10(ratio);
+}
+
+}  // namespace
+
+class TestCabinSound : public QObject {
+    Q_OBJECT
+
+private slots:
+    void givesTheSameSoundForTheSameSeed();
+    void playsOrdersOfTheMotorByItsTorque_data();
+    void playsOrdersOfTheMotorByItsTorque();
+    void keepsStepWithAChangingMotorSpeed();
+    void growsLouderWithSpeed();
+    void givesEverySeatItsLevelAndDelay();
+    void isNeitherSilentNorClipped_data();
+    void isNeitherSilentNorClipped();
+    void playsARecordingOverAndOver();
+    void refusesWhatItCannotPlay_data();
+    void refusesWhatItCannotPlay();
+
+private:
+    QString file(const char* name, const QByteArray& content) const {
+        QFile out(mPlace.filePath(name));
+        return out.open(QIODevice::WriteOnly) && out.write(content) == content.size() ? out.fileName() : QString();
+    }
+    // Two seconds, or as many as asked for, of a drive whose rows are given without their header.
+    QByteArray sound(const QByteArray& rows, double seconds = 2.0, int seed = 1) const {
+        const QString trace = file("trace.csv", "t_s,VAPI_signedVehicleSpeed,VAPI_motorRPM,VAPI_torqueCmd\n" + rows);
+        const Run run = cabinSound(
+            {"--trace", trace, "--out", "-", "--seconds", QString::number(seconds), "--seed", QString::number(seed)});
+        return run.status == 0 ? run.output : QByteArray();
+    }
+
+    QTemporaryDir mPlace;
+};
+
+void TestCabinSound::givesTheSameSoundForTheSameSeed() {
+    const QByteArray rows = "0,30,3000,100\n2,40,4000,200\n";
+    const QByteArray first = sound(rows, 2.0, 7);
+    QCOMPARE(first.size(), 2 * kCabinRate * kCabinChannels * int(sizeof(qint16)));
+    QVERIFY(sound(rows, 2.0, 7) == first);
+    QVERIFY(sound(rows, 1.0, 7) == first.left(first.size() / 2));
+    QVERIFY(sound(rows, 2.0, 8) != first);
+}
+
+void TestCabinSound::playsOrdersOfTheMotorByItsTorque_data() {
+    QTest::addColumn<int>("order");
+    for (const int order : {8, 22, 24, 44, 48})
+        QTest::addRow("order %d", order) << order;
+}
+
+// 6000 1/min: the frequency of an order is a hundred times its number. A direction is not heard.
+void TestCabinSound::playsOrdersOfTheMotorByItsTorque() {
+    QFETCH(int, order);
+    const double frequency = order * 100.0;
+    const Channel pulling = channelOf(sound("0,10,6000,400\n2,10,6000,400\n"), 0);
+    const Channel braking = channelOf(sound("0,-10,-6000,-400\n2,-10,-6000,-400\n"), 0);
+    const Channel rolling = channelOf(sound("0,10,6000,0\n2,10,6000,0\n"), 0);
+    const double level = toneLevel(pulling, frequency);
+    QVERIFY(level > 0.003);
+    for (const double beside : {-53.0, -21.0, 21.0, 53.0})
+        QVERIFY(decibels(level / toneLevel(pulling, frequency + beside)) > 20.0);
+    QVERIFY(std::abs(decibels(level / toneLevel(braking, frequency))) < 0.1);
+    QVERIFY(decibels(level / toneLevel(rolling, frequency)) > 10.0);
+}
+
+// From 3000 to 9000 1/min in 4 s: the phase of order 24 follows the integral of the motor's speed to the end.
+void TestCabinSound::keepsStepWithAChangingMotorSpeed() {
+    const Channel x = channelOf(sound("0,0,3000,200\n4,0,9000,200\n", 4.0), 0);
+    const auto turnsAt = [](double lateness) {
+        return [lateness](double t) {
+            const double s = t - lateness;
+            return 24.0 * (50.0 * s + 100.0 * s * s / 8.0);
+        };
+    };
+    const double inStep = toneLevel(x, turnsAt(0.0));
+    QVERIFY2(inStep > 0.005, qPrintable(QString::number(inStep)));
+    QVERIFY(decibels(inStep / toneLevel(x, turnsAt(0.005))) > 10.0);
+}
+
+void TestCabinSound::growsLouderWithSpeed() {
+    const auto level = [this](const QByteArray& speed) {
+        return rms(channelOf(sound("0," + speed + ",0,0\n2," + speed + ",0,0\n"), 0));
+    };
+    const double slow = level("30");
+    const double fast = level("60");
+    QVERIFY2(decibels(fast / slow) > 8.0 && decibels(fast / slow) < 18.0, qPrintable(QString::number(fast / slow)));
+    const double cruise = decibels(level("67"));
+    QVERIFY2(cruise > -30.0 && cruise < -20.0, qPrintable(QString::number(cruise)));
+}
+
+void TestCabinSound::givesEverySeatItsLevelAndDelay() {
+    const QByteArray samples = sound("0,60,0,0\n4,60,0,0\n", 4.0);
+    const Channel first = channelOf(samples, 0);
+    for (int channel = 1; channel < kCabinChannels; ++channel) {
+        const Channel here = channelOf(samples, channel);
+        const Seat& seat = kSeats[size_t(channel)];
+        QVERIFY(std::abs(decibels(rms(here) / rms(first)) - (seat.levelDb - kSeats[0].levelDb)) < 0.3);
+        int bestLag = -1;
+        double best = 0.0;
+        for (int lag = 0; lag < 256; ++lag) {
+            double sum = 0.0;
+            for (size_t i = 0; i + 256 < first.size() / 2; ++i)
+                sum += first[i] * here[i + size_t(lag)];
+            if (sum > best) {
+                best = sum;
+                bestLag = lag;
+            }
+        }
+        QVERIFY(std::abs(bestLag - (seat.delayMs - kSeats[0].delayMs) * kCabinRate / 1000.0) <= 2.0);
+    }
+}
+
+void TestCabinSound::isNeitherSilentNorClipped_data() {
+    QTest::addColumn<QByteArray>("row");
+    QTest::newRow("standstill") << QByteArray("0,0,0");
+    QTest::newRow("nothing known") << QByteArray("invalid,invalid,invalid");
+    QTest::newRow("town") << QByteArray("30,3450,100");
+    QTest::newRow("absurd") << QByteArray("4000,90000,100000");
+}
+
+void TestCabinSound::isNeitherSilentNorClipped() {
+    QFETCH(QByteArray, row);
+    const QByteArray samples = sound("0," + row + "\n2," + row + '\n');
+    for (int channel = 0; channel < kCabinChannels; ++channel) {
+        const Channel x = channelOf(samples, channel);
+        QVERIFY(rms(x) > 0.002);
+        QVERIFY(std::all_of(x.begin(), x.end(), [](double value) { return std::abs(value) < 0.96; }));
+    }
+}
+
+void TestCabinSound::playsARecordingOverAndOver() {
+    const QString trace = file("trace.csv", "t_s,VAPI_motorRPM\n0,3000\n2,4000\n");
+    const QString wav = mPlace.filePath("cabin.wav");
+    QCOMPARE(cabinSound({"--trace", trace, "--out", wav, "--seconds", "0.503"}).status, 0);
+    const QByteArray once = cabinSound({"--trace", trace, "--out", "-", "--seconds", "0.503"}).output;
+    const QByteArray played = cabinSound({"--wav", wav, "--out", "-", "--seconds", "1.2"}).output;
+    QVERIFY(!once.isEmpty() && once.size() < played.size());
+    QVERIFY((once + once + once).left(played.size()) == played);
+}
+
+void TestCabinSound::refusesWhatItCannotPlay_data() {
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QByteArray>("named");
+    const auto row = [](const char* name, const QStringList& arguments, const char* named) {
+        QTest::newRow(name) << arguments << QByteArray(named);
+    };
+    const QString good = file("good.csv", "t_s,VAPI_motorRPM\n0,1\n1,1\n");
+    row("nothing", {}, "--trace");
+    row("both", {"--trace", good, "--wav", good}, "either");
+    row("unknown option", {"--volume", "11"}, "volume");
+    row("no file", {"--trace", "nowhere.csv"}, "nowhere.csv");
+    row("damaged trace", {"--trace", file("torn.csv", "t_s,VAPI_motorRPM\n0,1\n1,fast\n")}, "torn.csv:3: \"fast\"");
+    row("nothing to hear", {"--trace", file("other.csv", "t_s,HVAC_insideTemp\n0,1\n1,1\n")}, "other.csv: has none");
+    row("no length", {"--trace", file("short.csv", "t_s,VAPI_motorRPM\n0,1\n")}, "short.csv: has no two rows");
+    row("no recording", {"--wav", good}, "good.csv");
+    row("endless file", {"--trace", good, "--out", "x.wav"}, "--seconds");
+    row("seconds", {"--trace", good, "--seconds", "-1"}, "--seconds -1");
+    row("seed", {"--trace", good, "--seed", "x"}, "--seed x");
+}
+
+void TestCabinSound::refusesWhatItCannotPlay() {
+    QFETCH(QStringList, arguments);
+    QFETCH(QByteArray, named);
+    const Run refused = cabinSound(arguments);
+    QCOMPARE(refused.status, 2);
+    QVERIFY2(refused.errors.contains(named), refused.errors.constData());
+    QCOMPARE(refused.errors.count('\n'), 1);
+}
+
+QTEST_GUILESS_MAIN(TestCabinSound)
+#include "tst_cabinsound.moc"
