@@ -1,5 +1,6 @@
 #include "host/app/Session.h"
 
+#include "host/console/Console.h"
 #include "host/drive/DriveRunner.h"
 #include "host/screen/PluginLoader.h"
 
@@ -14,7 +15,7 @@ constexpr int kNotHeld = 1;
 
 }  // namespace
 
-Session::Session() : mScreen(new Screen) {
+Session::Session() {
     connect(&mStopSignals, &StopSignals::caught, this,
             [](int signal) { QCoreApplication::exit(StopSignals::exitStatus(signal)); });
 }
@@ -22,17 +23,18 @@ Session::Session() : mScreen(new Screen) {
 Session::~Session() = default;
 
 bool Session::prepare(const ScreenOptions& options, QString* error) {
-    mWindow = std::make_unique<HostWindow>(mScreen, nullptr);
     if (!mServices.open(options.host, error))
         return false;
+    mWindow = std::make_unique<HostWindow>(options.console ? new Console : nullptr);
     if (!options.drive.isEmpty() && !readDrive(options.drive, error))
         return false;
 
     mAppInfo.name = PluginLoader::applicationName(options.plugin);
     mAppInfo.directory = options.applicationDirectory;
-    mAppInfo.titleArea = &mScreen->titleArea();
+    mAppInfo.titleArea = &mWindow->screen().titleArea();
     QString reason;
-    DisplayView* application = PluginLoader::load(options.plugin, mAppInfo, mScreen->applicationArea(), &reason);
+    DisplayView* application =
+        PluginLoader::load(options.plugin, mAppInfo, mWindow->screen().applicationArea(), &reason);
     if (!application) {
         *error = QStringLiteral("--plugin: ") + reason;
         return false;
@@ -52,7 +54,7 @@ bool Session::readDrive(const QString& path, QString* error) {
     }
     mFinger = std::make_unique<Finger>(*mWindow);
     mDrive = std::make_unique<DriveRunner>(std::move(*drive),
-                                           DriveStage{*mScreen, *mFinger, mServices.tracePlayer(), mLogWatch});
+                                           DriveStage{mWindow->screen(), *mFinger, mServices.tracePlayer(), mLogWatch});
     connect(mDrive.get(), &DriveRunner::finished, this, &Session::driveFinished);
     return true;
 }

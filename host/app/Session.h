@@ -4,7 +4,6 @@
 #include "host/drive/LogWatch.h"
 #include "host/screen/Finger.h"
 #include "host/screen/HostWindow.h"
-#include "host/screen/Screen.h"
 #include "host/setup/HostServices.h"
 #include "host/setup/StopSignals.h"
 
@@ -39,7 +38,6 @@ private:
     StopSignals mStopSignals;
     LogWatch mLogWatch;
     AppInfo mAppInfo;
-    Screen* mScreen;  // owned by the window
     std::unique_ptr<HostWindow> mWindow;
     std::unique_ptr<Finger> mFinger;
     std::unique_ptr<DriveRunner> mDrive;

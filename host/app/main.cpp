@@ -1,4 +1,5 @@
 #include "host/app/Session.h"
+#include "host/console/Console.h"
 
 #include <QApplication>
 #include <QFile>
@@ -67,12 +68,15 @@ QStringList argumentList(int argc, char* argv[]) {
 
 int main(int argc, char* argv[]) {
     const QStringList arguments = argumentList(argc, argv);
-    const DisplayChoice display(QSize(Screen::kWidth, Screen::kHeight));
+    const int consoleWidth = arguments.contains(QStringLiteral("--console")) ? Console::kWidth : 0;
+    const DisplayChoice display(QSize(Screen::kWidth + consoleWidth, Screen::kHeight));
     // Qt sees the program's name alone: it would take --plugin for one of its own options.
     int argumentsForQt = 1;
     QApplication application(argumentsForQt, argv);
     QApplication::setApplicationName(QStringLiteral("helixdash"));
     QApplication::setApplicationVersion(QStringLiteral(NVH_VERSION));
+    // The same console on every desk.
+    QApplication::setStyle(QStringLiteral("Fusion"));
     QApplication::setQuitOnLastWindowClosed(false);
 
     QString error;

@@ -1,12 +1,10 @@
 #include "host/screen/HostWindow.h"
 
-#include "host/screen/Screen.h"
-
 #include <QCloseEvent>
 #include <QGuiApplication>
 #include <QHBoxLayout>
 
-HostWindow::HostWindow(Screen* screen, QWidget* console) {
+HostWindow::HostWindow(QWidget* console) : mScreen(new Screen) {
     auto* layout = new QHBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
@@ -14,9 +12,11 @@ HostWindow::HostWindow(Screen* screen, QWidget* console) {
     const QStringList bare = {QStringLiteral("offscreen"), QStringLiteral("vnc")};
     layout->setSizeConstraint(bare.contains(QGuiApplication::platformName()) ? QLayout::SetNoConstraint
                                                                              : QLayout::SetFixedSize);
-    layout->addWidget(screen);
-    if (console)
+    layout->addWidget(mScreen);
+    if (console) {
+        console->setFixedHeight(mScreen->height());
         layout->addWidget(console);
+    }
     resize(sizeHint());
 }
 

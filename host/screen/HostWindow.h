@@ -1,15 +1,15 @@
 #pragma once
 
-#include <QWidget>
-
-class Screen;
+#include "host/screen/Screen.h"
 
 // The window on a desk: the touchscreen, and the console beside it if there is one. UI thread.
 class HostWindow : public QWidget {
     Q_OBJECT
 public:
-    // Takes over both; the console may be null.
-    HostWindow(Screen* screen, QWidget* console);
+    // Takes over the console, which may be null.
+    explicit HostWindow(QWidget* console);
+
+    Screen& screen() { return *mScreen; }
 
 signals:
     // A person has closed it.
@@ -17,4 +17,7 @@ signals:
 
 protected:
     void closeEvent(QCloseEvent* event) override;
+
+private:
+    Screen* mScreen;
 };

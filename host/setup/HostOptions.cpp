@@ -1,5 +1,7 @@
 #include "host/setup/HostOptions.h"
 
+#include "host/setup/ValueSetter.h"
+
 #include <QCommandLineParser>
 #include <QRegularExpression>
 
@@ -99,6 +101,10 @@ std::optional<ValueSetting> ValueSetting::parse(const QString& text, QString* er
                                                           "bit, a number with a decimal point nor TYPE:invalid")
                                                .arg(value, setting.name));
     return setting;
+}
+
+bool ValueSetting::apply(QString* error) const {
+    return value.isValid() ? ValueSetter::set(name, value, error) : ValueSetter::setInvalid(name, type, error);
 }
 
 void HostOptions::addTo(QCommandLineParser& parser) {

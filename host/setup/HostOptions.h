@@ -20,6 +20,9 @@ struct ValueSetting {
 
     // Nothing, and why, if the text says no value.
     static std::optional<ValueSetting> parse(const QString& text, QString* error);
+
+    // Sets the data value, which is made if there is none; false with a reason if it is of another type. UI thread.
+    bool apply(QString* error) const;
 };
 
 // What the programs that host an application or its engine are told alike.

@@ -1,7 +1,6 @@
 #include "host/setup/HostServices.h"
 
 #include "host/setup/LogWriter.h"
-#include "host/setup/ValueSetter.h"
 #include "host/trace/TraceFile.h"
 
 #include <HelixDash/services/ConfigStore.h>
@@ -35,11 +34,6 @@ bool openConfiguration(const QString& path, QString* error) {
     if (file.isDir())
         return refuse(error, "--config", QStringLiteral("%1 is a directory").arg(path));
     return ConfigStore::instance().open(path, &reason) || refuse(error, "--config", reason);
-}
-
-bool applySetting(const ValueSetting& setting, QString* reason) {
-    return setting.value.isValid() ? ValueSetter::set(setting.name, setting.value, reason)
-                                   : ValueSetter::setInvalid(setting.name, setting.type, reason);
 }
 
 }  // namespace
@@ -87,7 +81,7 @@ bool HostServices::open(const HostOptions& options, QString* error) {
     LocationManager::instance()->setCurrentLocation(options.position);
     RuntimeEnv::instance()->setGatewayAddress(options.gateway);
     for (const ValueSetting& setting : options.settings) {
-        if (!applySetting(setting, &reason))
+        if (!setting.apply(&reason))
             return refuse(error, "--set", reason);
     }
     if (mTrace && !TracePlayer::fits(*mTrace, &reason))
