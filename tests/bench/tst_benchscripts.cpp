@@ -1,34 +1,16 @@
 // bench/up and bench/down, with the recorder program that a vehicle has.
 
+#include "tests/bench/ProgramRun.h"
+
 #include <QDir>
 #include <QFile>
 #include <QProcess>
-#include <QRegularExpression>
 #include <QSettings>
 #include <QTemporaryDir>
 #include <QtTest>
 
 #include <array>
 #include <cmath>
-
-namespace {
-
-// What "source env" gives.
-QProcessEnvironment benchEnvironment(const QString& state) {
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    QFile file(state + "/env");
-    if (file.open(QIODevice::ReadOnly)) {
-        const QRegularExpression line("^export (\\w+)=(.*)$", QRegularExpression::MultilineOption);
-        auto lines = line.globalMatch(QString::fromUtf8(file.readAll()));
-        while (lines.hasNext()) {
-            const auto match = lines.next();
-            environment.insert(match.captured(1), match.captured(2));
-        }
-    }
-    return environment;
-}
-
-}  // namespace
 
 class TestBenchScripts : public QObject {
     Q_OBJECT
@@ -67,16 +49,11 @@ void TestBenchScripts::cleanup() {
 }
 
 int TestBenchScripts::bench(const QString& script, const QStringList& arguments) {
-    QProcess process;
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert("NVH_BENCH_STATE", mState);
-    environment.insert("NVH_BIN", NVH_BIN_DIR);
-    process.setProcessEnvironment(environment);
-    process.setProcessChannelMode(QProcess::MergedChannels);
-    process.start(NVH_SOURCE_DIR "/bench/" + script, arguments);
-    const bool ended = process.waitForFinished(30'000);
-    mSaid = process.readAll();
-    return ended ? process.exitCode() : -1;
+    qputenv("NVH_BENCH_STATE", mState.toLocal8Bit());
+    qputenv("NVH_BIN", NVH_BIN_DIR);
+    const ProgramRun run = ProgramRun::of(NVH_SOURCE_DIR "/bench/" + script, arguments);
+    mSaid = run.output + run.errors;
+    return run.status;
 }
 
 QMap<QString, int> TestBenchScripts::running() const {
@@ -97,8 +74,9 @@ void TestBenchScripts::recordsTheCabin() {
     const QString wav = settings.value("audio/capturing_file_name").toString();
     for (int take = 0; take < 2; ++take) {
         QProcess recorder;
-        recorder.setProcessEnvironment(benchEnvironment(mState));
-        recorder.start("/usr/bin/arecord", {"-Dapp_in_diagnostic", "-c8", "-r48000", "-fS16_LE", "-N", wav});
+        recorder.start("sh",
+                       {"-c", R"(. "$0/env"; exec /usr/bin/arecord -Dapp_in_diagnostic -c8 -r48000 -fS16_LE -N "$1")",
+                        mState, wav});
         QVERIFY(recorder.waitForStarted());
         QVERIFY2(!recorder.waitForFinished(2000), recorder.readAllStandardError().constData());
         recorder.terminate();
@@ -119,10 +97,8 @@ void TestBenchScripts::recordsTheCabin() {
                 QVERIFY(std::sqrt(channel) > 0.002);
         }
     }
-    QProcess curl;
-    curl.start("curl", {"-sS", settings.value("nvh/vdtStaticURL").toString()});
-    QVERIFY(curl.waitForFinished(10'000));
-    QVERIFY(curl.readAll().contains("\"Name\""));
+    const QString list = settings.value("nvh/vdtStaticURL").toString();
+    QVERIFY(ProgramRun::of("curl", {"-sS", list}).output.contains("\"Name\""));
 }
 
 void TestBenchScripts::leavesAloneWhatRuns() {
