@@ -21,8 +21,8 @@ void TableCell::place(const TableModelIndex& index, const QRect& where) {
     const bool again = mPlaced && where.size() == size();
     mIndex = index;
     mPlaced = true;
-    QWidget::setGeometry(where);
-    mContent->resize(where.width(), where.height());
+    move(where.left(), where.top());
+    resize(where.width(), where.height());
     if (!again)
         populate();
 }

@@ -12,6 +12,12 @@ namespace {
 constexpr int kSmallestPx = 14;
 constexpr int kPadding = 8;
 constexpr int kRadius = 12;
+constexpr int kGapBelow = 4;  // above, too: keeps rows of buttons apart
+
+QColor blended(const QColor& from, const QColor& to, double part) {
+    const auto channel = [part](int one, int other) { return qRound(one + (other - one) * part); };
+    return QColor(channel(from.red(), to.red()), channel(from.green(), to.green()), channel(from.blue(), to.blue()));
+}
 
 }  // namespace
 
@@ -20,6 +26,10 @@ ButtonView::ButtonView(DisplayView* parent) : ButtonView(QString(), parent) {}
 ButtonView::ButtonView(const QString& label, DisplayView* parent) : ControlBase(parent), mLabel(label) {
     setFont(FontManager::standardFont(24, QFont::DemiBold));
     resizeSilently(170, 70);
+    mPress.setStartValue(0.0);
+    mPress.setEndValue(1.0);
+    mPress.setDuration(kPressMs);
+    connect(&mPress, &QVariantAnimation::valueChanged, this, qOverload<>(&QWidget::update));
 }
 
 void ButtonView::setLabel(const QString& label) {
@@ -57,7 +67,7 @@ void ButtonView::touched() {
         return;
     mTouched = true;
     mFingerOn = true;
-    update();
+    showPress();
 }
 
 void ButtonView::released() {
@@ -74,6 +84,13 @@ void ButtonView::released() {
 
 void ButtonView::touchLost() {
     mTouched = false;
+    showPress();
+}
+
+void ButtonView::showPress() {
+    mPress.setDirection(mTouched && mFingerOn ? QAbstractAnimation::Forward : QAbstractAnimation::Backward);
+    if (mPress.state() != QAbstractAnimation::Running && QWidget::isVisible())
+        mPress.start();
     update();
 }
 
@@ -81,7 +98,7 @@ void ButtonView::setFingerOn(bool on) {
     if (on == mFingerOn)
         return;
     mFingerOn = on;
-    update();
+    showPress();
 }
 
 QRect ButtonView::frame() const {
@@ -121,10 +138,6 @@ void ButtonView::mouseReleaseEvent(QMouseEvent* event) {
     button->released();
 }
 
-QColor ButtonView::ink() const {
-    return SkinColor::color(QWidget::isEnabled() ? "black" : "faded");
-}
-
 QRect ButtonView::labelPlace() const {
     QRect place = frame().adjusted(kPadding, 0, -kPadding, 0);
     for (const DisplayView* child : childViews()) {
@@ -134,17 +147,26 @@ QRect ButtonView::labelPlace() const {
     return place;
 }
 
-void ButtonView::paintFrame(QPainter* painter) const {
-    painter->setPen(SkinColor::color("edge"));
-    painter->setBrush(SkinColor::color("panel"));
-    painter->drawRoundedRect(QRectF(frame()).adjusted(0.5, 0.5, -0.5, -0.5), kRadius, kRadius);
+QString ButtonView::look() const {
+    const QString kind = mKind == Kind::Primary ? "primary"
+                         : mKind == Kind::Stop  ? "stop"
+                         : mColor == Saved      ? "saved"
+                         : mColor == Recording  ? "recording"
+                         : mToggle && mOn       ? "on"
+                                                : "normal";
+    return "button/" + kind + (QWidget::isEnabled() ? "" : "/faded");
 }
 
 void ButtonView::paintEvent(QPaintEvent*) {
+    const bool takes = QWidget::isEnabled();
+    const double depth = takes ? mPress.currentValue().toDouble() : 0;
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    paintFrame(&painter);
-    painter.setPen(ink());
+    const QColor fill = SkinColor::color(look() + "/fill");
+    painter.setPen(SkinColor::color(look() + "/edge"));
+    painter.setBrush(takes ? blended(fill, SkinColor::color(look() + "/pressed"), depth) : fill);
+    painter.drawRoundedRect(QRectF(frame()).adjusted(0.5, 0.5 + kGapBelow, -0.5, -0.5 - kGapBelow), kRadius, kRadius);
+    painter.setPen(SkinColor::color(look() + "/ink"));
     const QRect place = labelPlace();
     TextBlock::fitted(mLabel, font(), place.size(), kSmallestPx).paint(&painter, place, Qt::AlignCenter);
 }

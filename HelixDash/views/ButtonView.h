@@ -19,12 +19,15 @@
 #include <HelixDash/views/ControlBase.h>
 
 #include <QPointer>
+#include <QVariantAnimation>
 
 class HELIXDASH_EXPORT ButtonView : public ControlBase {
     Q_OBJECT
 
 public:
     static constexpr int kFrameMargin = 10;
+
+    static constexpr int kPressMs = 120;
 
     enum Color { Normal = 0, Saved = 1, Recording = 3 };
 
@@ -64,8 +67,9 @@ private:
     QRect labelPlace() const;
     ButtonView* buttonUnder(const QPoint& place);
     void setFingerOn(bool on);
-    QColor ink() const;
-    void paintFrame(QPainter* painter) const;
+    void showPress();
+    // Name of the colours that kind, colour and state of the button call for.
+    QString look() const;
 
     QString mLabel;
     Kind mKind = Kind::Normal;
@@ -74,5 +78,6 @@ private:
     bool mOn = false;
     bool mTouched = false;            // pressed, by a finger or by touched()
     bool mFingerOn = true;            // the finger that presses it is still on it
+    QVariantAnimation mPress;         // 0 at rest .. 1 pressed
     QPointer<ButtonView> mOperating;  // the button that the finger which came down here operates
 };

@@ -48,7 +48,7 @@ void ChoiceRow::paintEvent(QPaintEvent*) {
     }
     painter.setPen(SkinColor::color("black"));
     const QRect place = rect().adjusted(kPadding, 0, -kPadding, 0);
-    TextBlock::fitted(mText, FontManager::standardFont(kPx, mChosen ? QFont::DemiBold : QFont::Normal), place.size(),
+    TextBlock::fitted(mText, FontManager::standardFont(kPx, mChosen ? QFont::DemiBold : QFont::Medium), place.size(),
                       kSmallestPx)
         .paint(&painter, place, Qt::AlignLeft | Qt::AlignVCenter);
 }

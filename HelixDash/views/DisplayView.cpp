@@ -1,8 +1,11 @@
 #include <HelixDash/views/DisplayView.h>
 #include <HelixDash/views/SkinColor.h>
 
+#include <QCoreApplication>
 #include <QEvent>
+#include <QMoveEvent>
 #include <QPainter>
+#include <QResizeEvent>
 
 namespace {
 
@@ -44,15 +47,37 @@ void DisplayView::animate(QPointer<QVariantAnimation>& running, const QVariant& 
     running->setDuration(ms);
 }
 
+// Qt tells a widget of its place and size only when it comes on screen. What is laid out before that has to be right at
+// once, so the views are told at once.
+
+void DisplayView::takePlace(const QPoint& place) {
+    const QPoint before = pos();
+    QWidget::move(place);
+    if (testAttribute(Qt::WA_PendingMoveEvent)) {
+        setAttribute(Qt::WA_PendingMoveEvent, false);
+        QMoveEvent moved(pos(), before);
+        QCoreApplication::sendEvent(this, &moved);
+    }
+}
+
+void DisplayView::takeSize(const QSize& size) {
+    const QSize before = this->size();
+    QWidget::resize(size);
+    if (testAttribute(Qt::WA_PendingResizeEvent)) {
+        setAttribute(Qt::WA_PendingResizeEvent, false);
+        QResizeEvent resized(this->size(), before);
+        QCoreApplication::sendEvent(this, &resized);
+    }
+}
+
 void DisplayView::moveTo(const QPoint& place, EaseType ease, int ms) {
     stop(mMoving);
     if (ms <= 0) {
-        QWidget::move(place);
+        takePlace(place);
         return;
     }
     animate(mMoving, pos(), place, ease, ms);
-    connect(mMoving, &QVariantAnimation::valueChanged, this,
-            [this](const QVariant& now) { QWidget::move(now.toPoint()); });
+    connect(mMoving, &QVariantAnimation::valueChanged, this, [this](const QVariant& now) { takePlace(now.toPoint()); });
     mMoving->start(QAbstractAnimation::DeleteWhenStopped);
 }
 
@@ -60,12 +85,11 @@ void DisplayView::resizeTo(const QSize& size, EaseType ease, int ms) {
     stop(mResizing);
     sizeChosen();
     if (ms <= 0) {
-        QWidget::resize(size);
+        takeSize(size);
         return;
     }
     animate(mResizing, this->size(), size, ease, ms);
-    connect(mResizing, &QVariantAnimation::valueChanged, this,
-            [this](const QVariant& now) { QWidget::resize(now.toSize()); });
+    connect(mResizing, &QVariantAnimation::valueChanged, this, [this](const QVariant& now) { takeSize(now.toSize()); });
     mResizing->start(QAbstractAnimation::DeleteWhenStopped);
 }
 

@@ -99,7 +99,7 @@ protected:
     virtual void touchLost();
 
     // Sizes the view without telling sizeChosen().
-    void resizeSilently(int width, int height) { QWidget::resize(width, height); }
+    void resizeSilently(int width, int height) { takeSize({width, height}); }
 
     void changeEvent(QEvent* event) override;
     void hideEvent(QHideEvent* event) override;
@@ -110,6 +110,8 @@ private:
     void stop(QPointer<QVariantAnimation>& running);
     void moveTo(const QPoint& place, EaseType ease, int ms);
     void resizeTo(const QSize& size, EaseType ease, int ms);
+    void takePlace(const QPoint& place);
+    void takeSize(const QSize& size);
 
     bool mVisible = true;
     bool mEnabled = true;

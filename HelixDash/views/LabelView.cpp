@@ -45,12 +45,12 @@ void LabelView::setFontSize(int px) {
 
 void LabelView::resizeToFit(int width) {
     const int wrapWidth = qMax(1, width);
-    resize(wrapWidth, TextBlock(mText, font(), wrapWidth).size().height());
+    const int room = qMax(1, wrapWidth - 2 * padding());
+    resize(wrapWidth, TextBlock(mText, font(), room).size().height() + 2 * padding());
 }
 
-QSize LabelView::sizeHint() const {
+QSize LabelView::textSize(int limit) const {
     const QSize natural = TextBlock(mText, font(), 0).size();
-    const int limit = widthLimit();
     if (natural.width() <= limit)
         return natural;
     QFont small = font();
@@ -62,21 +62,31 @@ QSize LabelView::sizeHint() const {
     return {limit, qMax(natural.height(), TextBlock(mText, small, limit).size().height())};
 }
 
-int LabelView::widthLimit() const {
-    const int room = parentWidget() ? parentWidget()->width() - x() : QWIDGETSIZE_MAX;
-    return qMin(maximumWidth(), room > 0 ? room : QWIDGETSIZE_MAX);
+QSize LabelView::sizeHint() const {
+    const int inParent = parentWidget() ? parentWidget()->width() - x() : QWIDGETSIZE_MAX;
+    const int limit = qMin(maximumWidth(), inParent > 0 ? inParent : QWIDGETSIZE_MAX);
+    const int around = 2 * padding();
+    return textSize(qMax(1, limit - around)) + QSize(around, around);
+}
+
+int LabelView::padding() const {
+    return viewStyle().number("Padding", 0);
+}
+
+QRect LabelView::textPlace() const {
+    return rect().adjusted(padding(), padding(), -padding(), -padding());
 }
 
 void LabelView::textChanged() {
     mBlock.reset();
     if (!mHasSize)
-        QWidget::resize(sizeHint());
+        resizeSilently(sizeHint().width(), sizeHint().height());
     update();
 }
 
 const TextBlock& LabelView::block() const {
     if (!mBlock)
-        mBlock = std::make_unique<TextBlock>(TextBlock::fitted(mText, font(), size(), kSmallestPx));
+        mBlock = std::make_unique<TextBlock>(TextBlock::fitted(mText, font(), textPlace().size(), kSmallestPx));
     return *mBlock;
 }
 
@@ -115,5 +125,5 @@ void LabelView::paintEvent(QPaintEvent* event) {
         return;
     QPainter painter(this);
     painter.setPen(SkinColor::color(mSkinColor));
-    block().paint(&painter, rect(), viewStyle().alignment(Qt::AlignLeft | Qt::AlignTop));
+    block().paint(&painter, textPlace(), viewStyle().alignment(Qt::AlignLeft | Qt::AlignTop));
 }

@@ -55,7 +55,9 @@ protected:
 
 private:
     void textChanged();
-    int widthLimit() const;
+    QSize textSize(int limit) const;
+    int padding() const;
+    QRect textPlace() const;
     const TextBlock& block() const;
 
     QString mText;

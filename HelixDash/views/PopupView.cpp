@@ -6,6 +6,12 @@
 #include <QChildEvent>
 #include <QPainter>
 
+namespace {
+
+constexpr int kShadow = 6;  // drawn inside the view's own rectangle
+
+}  // namespace
+
 PopupView::PopupView(DisplayView* parent, int cornerRadius, int margin)
     : DisplayView(parent), mCornerRadius(qMax(0, cornerRadius)), mMargin(qMax(0, margin)) {
     mTrap = new TouchTrap(screenView(), nullptr);
@@ -26,9 +32,10 @@ void PopupView::sizeToContents() {
     QRect contents;
     for (const DisplayView* view : childViews())
         contents |= view->geometry();
+    const int around = mMargin + kShadow;
     for (DisplayView* view : childViews())
-        view->move(view->left() - contents.left() + mMargin, view->top() - contents.top() + mMargin);
-    resize(contents.width() + 2 * mMargin, contents.height() + 2 * mMargin);
+        view->move(view->left() - contents.left() + around, view->top() - contents.top() + around);
+    resize(contents.width() + 2 * around, contents.height() + 2 * around);
 }
 
 void PopupView::dismiss() {
@@ -75,7 +82,12 @@ void PopupView::resizeEvent(QResizeEvent* event) {
 void PopupView::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
+    const QRectF card = QRectF(rect()).adjusted(kShadow + 0.5, kShadow + 0.5, -kShadow - 0.5, -kShadow - 0.5);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(SkinColor::color("black3"));
+    for (int grow = kShadow; grow > 0; --grow)
+        painter.drawRoundedRect(card.adjusted(-grow, -grow, grow, grow), mCornerRadius + grow, mCornerRadius + grow);
     painter.setPen(SkinColor::color("edge"));
     painter.setBrush(SkinColor::color("panel"));
-    painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), mCornerRadius, mCornerRadius);
+    painter.drawRoundedRect(card, mCornerRadius, mCornerRadius);
 }

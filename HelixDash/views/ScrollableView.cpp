@@ -11,7 +11,7 @@ namespace {
 
 constexpr int kRadius = 12;
 constexpr int kBarWidth = 4;
-constexpr int kBarInset = 4;
+constexpr int kBarInset = 2;
 constexpr int kSmallestBar = 30;
 
 QScrollerProperties calmScrolling() {

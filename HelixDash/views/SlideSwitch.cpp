@@ -5,8 +5,8 @@
 
 namespace {
 
-constexpr int kSmallestItemWidth = 70;
-constexpr int kItemPadding = 36;
+constexpr int kSmallestItemWidth = 64;
+constexpr int kItemPadding = 28;
 
 }  // namespace
 
@@ -25,7 +25,7 @@ int SlideSwitch::compactWidth() const {
 void SlideSwitch::setSwitchType(int type) {
     mType = type;
     if (type == Row)
-        resizeSilently(415, 70);
+        resizeSilently(410, 70);
     else
         resizeSilently(compactWidth(), 60);
 }

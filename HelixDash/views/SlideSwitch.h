@@ -13,7 +13,7 @@ class HELIXDASH_EXPORT SlideSwitch : public SwitchControl {
 public:
     enum Type {
         Compact = 0,  // 60 high, as wide as its items need
-        Row = 2       // 70 high and 415 wide, for a row of a table
+        Row = 2       // 70 high and 410 wide, for a row of a table
     };
 
     SlideSwitch(DisplayView* parent, const QStringList& items);

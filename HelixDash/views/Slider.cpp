@@ -13,6 +13,7 @@ namespace {
 
 constexpr int kDragStart = 8;
 constexpr int kImageCorner = 16;
+constexpr int kTouchCorner = 9;
 constexpr int kItemPx = 19;
 constexpr int kSmallestItemPx = 14;
 constexpr int kItemPadding = 10;
@@ -181,12 +182,24 @@ QRect Slider::trackPlace() const {
     return QRect(QPoint(low.x() - reach + 1, travel().top()), QPoint(high.x() + reach, travel().bottom()));
 }
 
+void Slider::paintTouch(QPainter* painter) const {
+    if (mTouch == Touch::None)
+        return;
+    const bool onTrack = mTouch == Touch::OnTrack;
+    if (onTrack && !rect().contains(mFinger))
+        return;
+    const double value = onTrack ? settled(valueAt(mFinger)) : mThumb;
+    painter->setPen(Qt::NoPen);
+    painter->setBrush(SkinColor::color("touch"));
+    painter->drawRoundedRect(thumbPlace(value).adjusted(4, 3, -4, -3), kTouchCorner, kTouchCorner);
+}
+
 void Slider::paintItem(QPainter* painter, int item) const {
     const bool chosen = qRound(mThumb) == item;
     const bool takes = QWidget::isEnabled();
-    painter->setPen(SkinColor::color(!takes ? "faded" : "black"));
+    painter->setPen(SkinColor::color(takes ? "black" : "faded"));
     const QRect place = thumbPlace(item).adjusted(kItemPadding, 0, -kItemPadding, 0);
-    TextBlock::fitted(mItems[item], FontManager::standardFont(kItemPx, chosen ? QFont::DemiBold : QFont::Normal),
+    TextBlock::fitted(mItems[item], FontManager::standardFont(kItemPx, chosen ? QFont::DemiBold : QFont::Medium),
                       place.size(), kSmallestItemPx)
         .paint(painter, place, Qt::AlignCenter);
 }
@@ -197,6 +210,8 @@ void Slider::paintEvent(QPaintEvent*) {
     mTrackImage.paint(&painter, trackPlace(), kImageCorner);
     mThumbImage.paint(&painter, thumbPlace(mThumb), kImageCorner);
     painter.setOpacity(1);
+    painter.setRenderHint(QPainter::Antialiasing);
+    paintTouch(&painter);
     for (int item = 0; item < mItems.size(); ++item)
         paintItem(&painter, item);
 }

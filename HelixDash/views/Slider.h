@@ -89,6 +89,7 @@ private:
     void follow(const QPoint& place);
     void slideThumbTo(double value, bool animate);
     QRect trackPlace() const;
+    void paintTouch(QPainter* painter) const;
     void paintItem(QPainter* painter, int item) const;
 
     const Qt::Orientation mOrientation;

@@ -8,14 +8,13 @@
 // Parts are separated by ";". A part with a ":" is a property, one without is the name of a style in the skin, whose
 // properties are taken over; what stands further right wins. Case of names and blanks around them do not matter.
 //
-// | property   | value                                                                       | for              |
-// |------------|-----------------------------------------------------------------------------|------------------|
-// | Alignment  | any of left, right, center, hcenter, vcenter, top, bottom, wordwrap with "|" | labels           |
-// | FontSize   | pixels                                                                      | labels, buttons  |
-// | Weight     | regular, medium, semibold, bold                                             | labels, buttons  |
-// | Color      | skin colour                                                                 | labels           |
-// | ButtonType | normal, large, primary (what the screen is for), stop (what ends it)        | buttons          |
-// | Width, Height | pixels                                                                   | buttons          |
+// Alignment      any of left, right, center, hcenter, vcenter, top, bottom and wordwrap, with "|" between them (labels)
+// Padding        pixels kept free around the text (labels)
+// Color          skin colour of the text (labels)
+// FontSize       pixels (labels, buttons)
+// Weight         regular, medium, semibold, bold (labels, buttons)
+// ButtonType     normal, large, primary (what the screen is for), stop (what ends it) (buttons)
+// Width, Height  pixels (buttons)
 //
 // "center" alone centres both ways; with "top" or "bottom" it centres sideways.
 
