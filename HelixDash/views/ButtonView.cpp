@@ -9,9 +9,11 @@
 
 namespace {
 
+constexpr int kSmallestLinePx = 19;
 constexpr int kSmallestPx = 14;
 constexpr int kPadding = 8;
 constexpr int kRadius = 12;
+constexpr int kCentralRadius = 20;
 constexpr int kGapBelow = 4;  // above, too: keeps rows of buttons apart
 
 QColor blended(const QColor& from, const QColor& to, double part) {
@@ -29,6 +31,7 @@ ButtonView::ButtonView(const QString& label, DisplayView* parent) : ControlBase(
     mPress.setStartValue(0.0);
     mPress.setEndValue(1.0);
     mPress.setDuration(kPressMs);
+    mPress.setDirection(QAbstractAnimation::Backward);
     connect(&mPress, &QVariantAnimation::valueChanged, this, qOverload<>(&QWidget::update));
 }
 
@@ -88,10 +91,12 @@ void ButtonView::touchLost() {
 }
 
 void ButtonView::showPress() {
-    mPress.setDirection(mTouched && mFingerOn ? QAbstractAnimation::Forward : QAbstractAnimation::Backward);
-    if (mPress.state() != QAbstractAnimation::Running && QWidget::isVisible())
+    const auto direction = mTouched && mFingerOn ? QAbstractAnimation::Forward : QAbstractAnimation::Backward;
+    if (direction == mPress.direction())
+        return;
+    mPress.setDirection(direction);
+    if (mPress.state() != QAbstractAnimation::Running)
         mPress.start();
-    update();
 }
 
 void ButtonView::setFingerOn(bool on) {
@@ -165,8 +170,10 @@ void ButtonView::paintEvent(QPaintEvent*) {
     const QColor fill = SkinColor::color(look() + "/fill");
     painter.setPen(SkinColor::color(look() + "/edge"));
     painter.setBrush(takes ? blended(fill, SkinColor::color(look() + "/pressed"), depth) : fill);
-    painter.drawRoundedRect(QRectF(frame()).adjusted(0.5, 0.5 + kGapBelow, -0.5, -0.5 - kGapBelow), kRadius, kRadius);
+    const int radius = mKind == Kind::Normal ? kRadius : kCentralRadius;
+    painter.drawRoundedRect(QRectF(frame()).adjusted(0.5, 0.5 + kGapBelow, -0.5, -0.5 - kGapBelow), radius, radius);
     painter.setPen(SkinColor::color(look() + "/ink"));
     const QRect place = labelPlace();
-    TextBlock::fitted(mLabel, font(), place.size(), kSmallestPx).paint(&painter, place, Qt::AlignCenter);
+    TextBlock::fittedInLine(mLabel, font(), place.size(), kSmallestLinePx, kSmallestPx)
+        .paint(&painter, place, Qt::AlignCenter);
 }

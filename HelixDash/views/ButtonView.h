@@ -13,8 +13,8 @@
 // steering wheel, a pedal. However it is operated, a release without a touch before it does nothing, and a button that
 // is disabled or hidden neither takes a touch nor keeps one.
 //
-// A label that is too wide is wrapped, then drawn smaller. Children that are shown on the button (a spinner) keep the
-// label to their left.
+// A label that is too wide is drawn smaller, below 19 px wrapped. Children that are shown on the button (a spinner)
+// keep the label to their left.
 
 #include <HelixDash/views/ControlBase.h>
 

@@ -3,6 +3,7 @@
 #include <QFile>
 #include <QImageReader>
 #include <QPainter>
+#include <QPixmapCache>
 #include <QStringList>
 #include <QSvgRenderer>
 #include <QtWidgets/qdrawutil.h>
@@ -36,6 +37,16 @@ QSize readSize(const QString& path) {
     return path.endsWith(".svg") ? QSvgRenderer(path).defaultSize() : QImageReader(path).size();
 }
 
+QPixmap draw(const QString& path, const QSize& size) {
+    if (!path.endsWith(".svg"))
+        return QPixmap(path).scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    QPixmap drawn(size);
+    drawn.fill(Qt::transparent);
+    QPainter painter(&drawn);
+    QSvgRenderer(path).render(&painter, QRectF(QPointF(), QSizeF(size)));
+    return drawn;
+}
+
 }  // namespace
 
 void DisplayImage::addSearchPath(const QString& path) {
@@ -54,12 +65,12 @@ QPixmap DisplayImage::pixmap(const QSize& size) const {
     if (isNull())
         return {};
     const QSize wanted = size.isValid() ? size : mSize;
-    if (!mPath.endsWith(".svg"))
-        return QPixmap(mPath).scaled(wanted, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
-    QPixmap drawn(wanted);
-    drawn.fill(Qt::transparent);
-    QPainter painter(&drawn);
-    QSvgRenderer(mPath).render(&painter, QRectF(QPointF(), QSizeF(wanted)));
+    const QString key = QString("%1@%2x%3").arg(mPath).arg(wanted.width()).arg(wanted.height());
+    QPixmap drawn;
+    if (!QPixmapCache::find(key, &drawn)) {
+        drawn = draw(mPath, wanted);
+        QPixmapCache::insert(key, drawn);
+    }
     return drawn;
 }
 

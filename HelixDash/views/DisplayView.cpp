@@ -198,6 +198,12 @@ void DisplayView::enabledFlagChanged(bool) {}
 
 void DisplayView::touchLost() {}
 
+void DisplayView::forgetTouches() {
+    touchLost();
+    for (DisplayView* view : childViews())
+        view->forgetTouches();
+}
+
 void DisplayView::changeEvent(QEvent* event) {
     QWidget::changeEvent(event);
     if (event->type() == QEvent::EnabledChange) {

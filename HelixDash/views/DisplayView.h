@@ -85,6 +85,9 @@ public:
     virtual void shown();
     virtual void hidden();
 
+    // Whatever a finger has begun in this view or in one inside it comes to nothing.
+    void forgetTouches();
+
     // Qt's own way in, for QWidget::hide() and the like; the same as show(bool).
     void setVisible(bool visible) override;
 

@@ -79,8 +79,10 @@ QRect LabelView::textPlace() const {
 
 void LabelView::textChanged() {
     mBlock.reset();
-    if (!mHasSize)
-        resizeSilently(sizeHint().width(), sizeHint().height());
+    if (!mHasSize) {
+        const QSize needed = sizeHint();
+        resizeSilently(needed.width(), needed.height());
+    }
     update();
 }
 

@@ -17,6 +17,7 @@ PopupView::PopupView(DisplayView* parent, int cornerRadius, int margin)
     mTrap = new TouchTrap(screenView(), nullptr);
     connect(mTrap, &TouchTrap::touchedElsewhere, this, &PopupView::dismiss);
     mTimer.setSingleShot(true);
+    mTimer.setTimerType(Qt::PreciseTimer);
     connect(&mTimer, &QTimer::timeout, this, &PopupView::dismiss);
     mTimer.start(kShownMs);
     if (parent)

@@ -18,7 +18,8 @@ QScrollerProperties calmScrolling() {
     QScrollerProperties properties;
     properties.setScrollMetric(QScrollerProperties::HorizontalOvershootPolicy, QScrollerProperties::OvershootAlwaysOff);
     properties.setScrollMetric(QScrollerProperties::VerticalOvershootPolicy, QScrollerProperties::OvershootAlwaysOff);
-    properties.setScrollMetric(QScrollerProperties::MousePressEventDelay, 0.1);
+    // A control in the list shows at once that it is touched; it forgets the touch when the list begins to move.
+    properties.setScrollMetric(QScrollerProperties::MousePressEventDelay, 0);
     return properties;
 }
 
@@ -59,11 +60,12 @@ ScrollableView::ScrollableView(DisplayView* parent)
     mContent->installEventFilter(this);
     mEdge->show();
     QScroller::grabGesture(this, QScroller::LeftMouseButtonGesture);
-    QScroller::scroller(this)->setScrollerProperties(calmScrolling());
-}
-
-ScrollableView::~ScrollableView() {
-    mContent->removeEventFilter(this);
+    QScroller* scroller = QScroller::scroller(this);
+    scroller->setScrollerProperties(calmScrolling());
+    connect(scroller, &QScroller::stateChanged, this, [this](QScroller::State state) {
+        if (state == QScroller::Dragging)
+            mContent->forgetTouches();
+    });
 }
 
 QRect ScrollableView::visiblePart() const {
@@ -124,7 +126,8 @@ bool ScrollableView::event(QEvent* event) {
 bool ScrollableView::eventFilter(QObject* watched, QEvent* event) {
     switch (event->type()) {
         case QEvent::ChildAdded:
-            static_cast<QChildEvent*>(event)->child()->installEventFilter(this);
+            if (watched == mContent)
+                static_cast<QChildEvent*>(event)->child()->installEventFilter(this);
             break;
         case QEvent::ChildRemoved:
         case QEvent::Resize:

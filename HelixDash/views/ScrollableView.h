@@ -16,7 +16,6 @@ class HELIXDASH_EXPORT ScrollableView : public DisplayView {
 
 public:
     explicit ScrollableView(DisplayView* parent = nullptr);
-    ~ScrollableView() override;
 
     DisplayView* contentView() const { return mContent; }
 

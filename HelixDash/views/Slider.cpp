@@ -15,8 +15,9 @@ constexpr int kDragStart = 8;
 constexpr int kImageCorner = 16;
 constexpr int kTouchCorner = 9;
 constexpr int kItemPx = 19;
+constexpr int kSmallestItemLinePx = 16;
 constexpr int kSmallestItemPx = 14;
-constexpr int kItemPadding = 10;
+constexpr int kItemPadding = 4;
 
 }  // namespace
 
@@ -162,7 +163,6 @@ void Slider::mouseMoveEvent(QMouseEvent* event) {
 void Slider::mouseReleaseEvent(QMouseEvent* event) {
     if (event->button() != Qt::LeftButton || mTouch == Touch::None)
         return;
-    // A list that waits for a scroll may bring the press and this release with no move between them.
     follow(event->pos());
     const bool dragged = mTouch == Touch::Dragging && beside(mFinger) < kGiveUp;
     const bool tapped = mTouch == Touch::OnTrack && rect().contains(mFinger);
@@ -199,8 +199,8 @@ void Slider::paintItem(QPainter* painter, int item) const {
     const bool takes = QWidget::isEnabled();
     painter->setPen(SkinColor::color(takes ? "black" : "faded"));
     const QRect place = thumbPlace(item).adjusted(kItemPadding, 0, -kItemPadding, 0);
-    TextBlock::fitted(mItems[item], FontManager::standardFont(kItemPx, chosen ? QFont::DemiBold : QFont::Medium),
-                      place.size(), kSmallestItemPx)
+    TextBlock::fittedInLine(mItems[item], FontManager::standardFont(kItemPx, chosen ? QFont::DemiBold : QFont::Medium),
+                            place.size(), kSmallestItemLinePx, kSmallestItemPx)
         .paint(painter, place, Qt::AlignCenter);
 }
 

@@ -17,6 +17,8 @@ SpinnerView::SpinnerView(DisplayView* parent, int kind) : DisplayView(parent) {
     setAttribute(Qt::WA_TransparentForMouseEvents);
     const int size = kSizes[qBound(0, kind, 3)];
     resizeSilently(size, size);
+    if (QWidget::isVisible())  // since the base was made, before this class could hear of it
+        mTick.start(kTickMs, this);
 }
 
 void SpinnerView::showEvent(QShowEvent* event) {

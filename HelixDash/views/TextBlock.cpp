@@ -52,6 +52,18 @@ TextBlock TextBlock::fitted(const QString& text, const QFont& font, const QSize&
     return block;
 }
 
+TextBlock TextBlock::fittedInLine(const QString& text, const QFont& font, const QSize& box, int smallestLinePx,
+                                  int smallestPx) {
+    QFont smaller = font;
+    for (int px = font.pixelSize(); px >= smallestLinePx; --px) {
+        smaller.setPixelSize(px);
+        TextBlock block(text, smaller, 0);
+        if (block.fits(box))
+            return block;
+    }
+    return fitted(text, font, box, smallestPx);
+}
+
 void TextBlock::keepLinesWithin(int height) {
     while (mVisibleLines > 1 && mLayout->lineAt(mVisibleLines - 1).rect().bottom() > height)
         --mVisibleLines;

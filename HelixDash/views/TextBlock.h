@@ -22,6 +22,10 @@ public:
     // cut at the box's end with an ellipsis where even that is too large.
     static TextBlock fitted(const QString& text, const QFont& font, const QSize& box, int smallestPx);
 
+    // The same, but rather drawn smaller than broken into lines, down to smallestLinePx.
+    static TextBlock fittedInLine(const QString& text, const QFont& font, const QSize& box, int smallestLinePx,
+                                  int smallestPx);
+
     // What the text needs, rounded up to whole pixels.
     QSize size() const { return mSize; }
     // The size a text was drawn at, which is what fitted() came to.
