@@ -91,6 +91,8 @@ void DataValue::commit() {
     mWasValid = mValid;
     mValid = mPendingValid;
     const bool valueChangedNow = mValid && commitValue();
+    if (!mValid)
+        commitInvalid();
     if (!validityChanged && !valueChangedNow)
         return;
     ValueLock::announceLater([value = QPointer<DataValue>(this)] {

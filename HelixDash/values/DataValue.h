@@ -66,6 +66,8 @@ protected:
     virtual void stage(const QVariant& value) = 0;
     // Pending becomes current; true if the value differs from what it was. Called for a valid value only.
     virtual bool commitValue() = 0;
+    // The value has become invalid.
+    virtual void commitInvalid() {}
     // Emits the change signals, on the thread that owns the value.
     virtual void announce();
 

@@ -48,6 +48,10 @@ bool IntDataValue::commitValue() {
     return mPrevious != mValue;
 }
 
+void IntDataValue::commitInvalid() {
+    mPrevious = mValue;
+}
+
 void RealDataValue::setValue(double value) {
     if (!std::isfinite(value))
         setInvalid();

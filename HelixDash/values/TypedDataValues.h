@@ -25,6 +25,7 @@ protected:
     QString validText() const override;
     void stage(const QVariant& value) override;
     bool commitValue() override;
+    void commitInvalid() override;
 
 private:
     int mValue = 0;
