@@ -1,0 +1,12 @@
+#pragma once
+
+#include "nvh/Export.h"
+
+#include <HelixDash/views/PopupView.h>
+
+// Says what automatic control of audio and climate does. Made and forgotten; it closes by itself.
+class NVH_EXPORT VSMControlsPopup : public PopupView {
+    Q_OBJECT
+public:
+    explicit VSMControlsPopup(DisplayView* parent);
+};

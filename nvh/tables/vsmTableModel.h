@@ -1,0 +1,19 @@
+#pragma once
+
+#include "nvh/Export.h"
+
+#include <HelixDash/tables/TableModel.h>
+
+// The list of conditions of the Vehicle Status Monitor: one section without a title.
+class NVH_EXPORT vsmTableModel : public TableModel {
+    Q_OBJECT
+public:
+    explicit vsmTableModel(int rowCount, QObject* parent = nullptr);
+
+    int sectionCount() const override { return 1; }
+    int sectionItemCount(int section) const override;
+    QString sectionTitle(int section) const override;
+
+private:
+    const int mRowCount;
+};
