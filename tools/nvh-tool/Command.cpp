@@ -1,6 +1,7 @@
 #include "tools/nvh-tool/Command.h"
 
 #include "tools/nvh-tool/AnalyseCommand.h"
+#include "tools/nvh-tool/CanLogCommand.h"
 #include "tools/nvh-tool/JudgeCommand.h"
 #include "tools/nvh-tool/PackagesCommand.h"
 #include "tools/nvh-tool/RecordCommand.h"
@@ -32,6 +33,7 @@ std::vector<std::unique_ptr<Command>> allCommands() {
     commands.push_back(std::make_unique<AnalyseCommand>());
     commands.push_back(std::make_unique<JudgeCommand>());
     commands.push_back(std::make_unique<RepairWavCommand>());
+    commands.push_back(std::make_unique<CanLogCommand>());
     commands.push_back(std::make_unique<PackagesCommand>());
     return commands;
 }
