@@ -8,26 +8,26 @@ enum class Number { None, Optional, Needed };
 
 struct KindRow {
     Fault::Kind kind;
+    Number number;
     const char* name;
     const char* form;
-    Number number;
     int least;
     int most;
     const char* effect;
 };
 
 constexpr KindRow kKinds[] = {
-    {Fault::Kind::None, "none", "none", Number::None, 0, 0, "answer as it should"},
-    {Fault::Kind::Refuse, "refuse", "refuse", Number::None, 0, 0, "close the connection without an answer"},
-    {Fault::Kind::Delay, "delay", "delay:MS", Number::Needed, 0, 600'000, "answer MS milliseconds late"},
-    {Fault::Kind::Cut, "cut", "cut[:BYTES]", Number::Optional, 1, 1'000'000,
+    {Fault::Kind::None, Number::None, "none", "none", 0, 0, "answer as it should"},
+    {Fault::Kind::Refuse, Number::None, "refuse", "refuse", 0, 0, "close the connection without an answer"},
+    {Fault::Kind::Delay, Number::Needed, "delay", "delay:MS", 0, 600'000, "answer MS milliseconds late"},
+    {Fault::Kind::Cut, Number::Optional, "cut", "cut[:BYTES]", 1, 1'000'000,
      "close after BYTES, or half, of the answer"},
-    {Fault::Kind::Garbage, "garbage", "garbage", Number::None, 0, 0, "answer bytes that are no HTTP"},
-    {Fault::Kind::BadBody, "bad-body", "bad-body", Number::None, 0, 0, "the right status with a broken body"},
-    {Fault::Kind::Empty, "empty", "empty", Number::None, 0, 0, "the right status with no body"},
-    {Fault::Kind::Status, "status", "status:CODE", Number::Needed, 200, 599,
+    {Fault::Kind::Garbage, Number::None, "garbage", "garbage", 0, 0, "answer bytes that are no HTTP"},
+    {Fault::Kind::BadBody, Number::None, "bad-body", "bad-body", 0, 0, "the right status with a broken body"},
+    {Fault::Kind::Empty, Number::None, "empty", "empty", 0, 0, "the right status with no body"},
+    {Fault::Kind::Status, Number::Needed, "status", "status:CODE", 200, 599,
      "another status; from 400 on nothing is stored"},
-    {Fault::Kind::NoUrl, "no-url", "no-url", Number::None, 0, 0, "upload only: stored, 200, but no URL in the body"},
+    {Fault::Kind::NoUrl, Number::None, "no-url", "no-url", 0, 0, "upload only: stored, 200, but no URL in the body"},
 };
 
 struct EndpointRow {

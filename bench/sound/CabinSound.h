@@ -6,6 +6,7 @@
 #include "bench/sound/SoundSource.h"
 
 #include <array>
+#include <cmath>
 #include <cstdint>
 #include <vector>
 
@@ -26,7 +27,7 @@ public:
     CabinSound(DriveMotion motion, std::uint64_t seed);
 
     bool render(std::span<qint16> samples) override;
-    void rewind() override { mPosition = 0; }
+    void playFrom(double seconds) override { mPosition = std::llround(seconds * kCabinRate) % mLoopSamples; }
 
 private:
     struct Noises {

@@ -61,6 +61,12 @@ public:
         return false;
     }
 
+    // The server's buffer, and the full pipe to pacat.
+    double latency() const override {
+        constexpr double kPipe = 65536.0 / (sizeof(qint16) * kCabinChannels * kCabinRate);
+        return kBufferMs / 1000.0 + kPipe;
+    }
+
     bool finish(QString*) override {
         mPlayer.closeWriteChannel();
         return true;

@@ -13,6 +13,8 @@ public:
     virtual ~SoundOutput() = default;
 
     virtual bool write(std::span<const qint16> samples, QString* error) = 0;
+    // How long after `write()` the samples are heard, in seconds.
+    virtual double latency() const { return 0.0; }
     // Ends the sound properly; destroying breaks it off.
     virtual bool finish(QString* error) = 0;
 

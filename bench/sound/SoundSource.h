@@ -11,6 +11,6 @@ public:
 
     // Fills whole frames of kCabinChannels interleaved samples. False if there is no more to be had.
     virtual bool render(std::span<qint16> samples) = 0;
-    // Goes on from the start of what is being played.
-    virtual void rewind() = 0;
+    // Goes on from that second of what is being played, counted round if it is shorter.
+    virtual void playFrom(double seconds) = 0;
 };

@@ -25,7 +25,7 @@ std::unique_ptr<WavLoop> WavLoop::open(const QString& path, QString* error) {
         return nullptr;
     }
     sf_command(file.get(), SFC_SET_SCALE_FLOAT_INT_READ, nullptr, SF_TRUE);
-    return std::unique_ptr<WavLoop>(new WavLoop(std::move(file)));
+    return std::unique_ptr<WavLoop>(new WavLoop(std::move(file), info.frames));
 }
 
 bool WavLoop::render(std::span<qint16> samples) {
@@ -38,12 +38,12 @@ bool WavLoop::render(std::span<qint16> samples) {
             return false;
         atStart = got < frames;
         if (atStart)
-            rewind();
+            playFrom(0.0);
         samples = samples.subspan(size_t(got) * kCabinChannels);
     }
     return true;
 }
 
-void WavLoop::rewind() {
-    sf_seek(mFile.get(), 0, SEEK_SET);
+void WavLoop::playFrom(double seconds) {
+    sf_seek(mFile.get(), sf_count_t(seconds * kCabinRate) % mFrames, SEEK_SET);
 }

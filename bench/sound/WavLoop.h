@@ -15,7 +15,7 @@ public:
     static std::unique_ptr<WavLoop> open(const QString& path, QString* error);
 
     bool render(std::span<qint16> samples) override;
-    void rewind() override;
+    void playFrom(double seconds) override;
 
 private:
     struct Closer {
@@ -23,7 +23,8 @@ private:
     };
     using File = std::unique_ptr<SNDFILE, Closer>;
 
-    explicit WavLoop(File file) : mFile(std::move(file)) {}
+    WavLoop(File file, sf_count_t frames) : mFile(std::move(file)), mFrames(frames) {}
 
     const File mFile;
+    const sf_count_t mFrames;
 };

@@ -109,8 +109,9 @@ std::unique_ptr<SoundOutput> openOutput(const QCommandLineParser& parser, QStrin
 bool play(SoundSource& source, SoundOutput& output, qint64 frames, QString* error) {
     std::array<qint16, size_t(kBlockFrames) * kCabinChannels> block{};
     while (frames > 0 && !gEnd) {
+        // What is written now is heard a little later; by then the drive elsewhere has come so far.
         if (gRewind.exchange(false))
-            source.rewind();
+            source.playFrom(output.latency());
         const qint64 now = std::min<qint64>(frames, kBlockFrames);
         const std::span samples = std::span(block).first(size_t(now) * kCabinChannels);
         if (!source.render(samples)) {
