@@ -10,3 +10,6 @@ Measurement loggerMeasurement();
 
 // The longest time that the UI thread was away from its event loop in a test run on the bench, outside stop().
 Measurement testRunMeasurement();
+
+// The analysis of 60 s of recording at FFT size 8192 against a spectrogram by sox.
+Measurement whineMeasurement();

@@ -1,38 +1,16 @@
 #include "bench/measuring/Measurements.h"
+#include "bench/measuring/SampleRecording.h"
 #include "nvh/packaging/NvhPackageManager.h"
 
 #include <QEventLoop>
 #include <QFile>
 #include <QProcess>
-#include <QRandomGenerator>
 #include <QTemporaryDir>
-
-#include <cmath>
-#include <numbers>
 
 namespace {
 
 constexpr int kSeconds = 60;
-constexpr int kChannels = 8;
-constexpr int kRate = 48000;
 constexpr int kRounds = 5;
-
-// Tones in noise, about as hard to compress as a cabin.
-bool writeRecording(const QString& path) {
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly))
-        return false;
-    QRandomGenerator random(1);
-    std::vector<qint16> second(kRate * kChannels);
-    for (int frame = 0; frame < kRate; ++frame) {
-        const double tone = 800.0 * std::sin(2.0 * std::numbers::pi * 440.0 * frame / kRate);
-        for (int channel = 0; channel < kChannels; ++channel)
-            second[std::size_t(frame * kChannels + channel)] = qint16(tone + random.bounded(400) - 200);
-    }
-    for (int index = 0; index < kSeconds; ++index)
-        file.write(reinterpret_cast<const char*>(second.data()), qint64(second.size() * sizeof(qint16)));
-    return file.flush();
-}
 
 double packWithManager(const QString& directory, const QString& recording) {
     const QString loose = directory + QStringLiteral("/loose.wav");
@@ -61,7 +39,7 @@ double packWithShell(const QString& directory, const QString& recording) {
 std::vector<Figure> measure(QString& error) {
     const QTemporaryDir directory;
     const QString recording = directory.filePath(QStringLiteral("recording.wav"));
-    if (!writeRecording(recording)) {
+    if (!writeSampleRecording(recording, kSeconds)) {
         error = QStringLiteral("%1 cannot be written").arg(recording);
         return {};
     }

@@ -20,7 +20,8 @@ int refuse(const QString& reason) {
 
 int main(int argc, char** argv) {
     QCoreApplication application(argc, argv);
-    const std::vector<Measurement> measurements = {packingMeasurement(), loggerMeasurement(), testRunMeasurement()};
+    const std::vector<Measurement> measurements = {packingMeasurement(), loggerMeasurement(), testRunMeasurement(),
+                                                   whineMeasurement()};
     QStringList names;
     for (const Measurement& measurement : measurements)
         names.append(measurement.name);
