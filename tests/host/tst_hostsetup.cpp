@@ -139,7 +139,7 @@ void TestHostSetup::opensServicesAndLog() {
 
     QStringList seen;
     connect(&LogWriter::instance(), &LogWriter::written, this, [&seen](const LogMessage& message) {
-        QCOMPARE(QThread::currentThread(), qApp->thread());
+        QCOMPARE(QThread::currentThread(), QCoreApplication::instance()->thread());
         seen << message.sender + QLatin1Char('|') + message.text;
     });
     const std::unique_ptr<QThread> thread(QThread::create([] { Logger(nullptr, "WARN") << "elsewhere"; }));
