@@ -17,7 +17,7 @@ void describe(QCommandLineParser& parser) {
         "cannot be used. Without a display the screen is drawn offscreen; QT_QPA_PLATFORM=vnc shows it to a VNC "
         "viewer, "
         "QT_SCALE_FACTOR=0.7 makes it smaller."));
-    parser.addHelpOption();
+    parser.addOption({{QStringLiteral("h"), QStringLiteral("help")}, QStringLiteral("Displays this help.")});
     parser.addVersionOption();
     parser.addOptions({
         {kPlugin, QStringLiteral("The application, a shared library."), QStringLiteral("FILE.so")},

@@ -4,6 +4,8 @@
 #include "host/drive/DriveRunner.h"
 #include "host/screen/PluginLoader.h"
 
+#include <HelixDash/views/DisplayImage.h>
+
 #include <QCoreApplication>
 
 #include <cstdio>
@@ -32,6 +34,7 @@ bool Session::prepare(const ScreenOptions& options, QString* error) {
     mAppInfo.name = PluginLoader::applicationName(options.plugin);
     mAppInfo.directory = options.applicationDirectory;
     mAppInfo.titleArea = &mWindow->screen().titleArea();
+    DisplayImage::addSearchPath(options.applicationDirectory);
     QString reason;
     DisplayView* application =
         PluginLoader::load(options.plugin, mAppInfo, mWindow->screen().applicationArea(), &reason);

@@ -15,7 +15,7 @@
 namespace {
 
 constexpr int kNumberWidth = 90;
-constexpr int kCountWidth = 56;
+constexpr int kCountWidth = 40;
 
 QWidget* sideBySide(const QList<QWidget*>& widgets) {
     auto* all = new QWidget;
