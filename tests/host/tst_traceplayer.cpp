@@ -57,7 +57,6 @@ void TestTracePlayer::keepsTheTimesOfItsRows() {
     clock.start();
     QVERIFY(player.start(trace("t_s,timed\n0,1.5\n0.2,2.5\n"), 0.0, nullptr));
     QTRY_COMPARE(value("timed")->toString(), QStringLiteral("1.5"));
-    QVERIFY(clock.elapsed() < 200);
     QVERIFY(finished.wait(2000));
     QVERIFY(clock.elapsed() >= 200);
     QCOMPARE(value("timed")->toString(), QStringLiteral("2.5"));
