@@ -4,6 +4,9 @@
 
 #include <HelixDash/services/Logger.h>
 
+#include <fcntl.h>
+#include <unistd.h>
+
 NvhValueLogger::NvhValueLogger(QString& fileName, RealDataValue* value) : mFileName(fileName), mValue(value) {}
 
 NvhValueLogger::~NvhValueLogger() {
@@ -33,7 +36,7 @@ void NvhValueLogger::openValueStream() {
 }
 
 void NvhValueLogger::writeToFile() {
-    if (mStopped)
+    if (mStopped || !mFile)
         return;
     const int value = getIntValue();
     const qint64 elapsed = mClock.elapsed();
@@ -45,7 +48,7 @@ void NvhValueLogger::writeToFile() {
 
 int NvhValueLogger::getIntValue() {
     const DataValue::StateLocker locker(mValue);
-    return truncated(mValue->value());
+    return mValue ? truncated(mValue->value()) : 0;
 }
 
 void NvhValueLogger::stopLogging() {
@@ -55,6 +58,16 @@ void NvhValueLogger::stopLogging() {
     closeFile();
     emit finished();
     thread()->quit();
+}
+
+void NvhValueLogger::discardFile() {
+    if (!mFile)
+        return;
+    // Closing the stream writes out its buffer wherever its descriptor leads.
+    const int nowhere = ::open("/dev/null", O_WRONLY | O_CLOEXEC);
+    ::dup2(nowhere, fileno(mFile));
+    ::close(nowhere);
+    closeFile();
 }
 
 void NvhValueLogger::closeFile() {

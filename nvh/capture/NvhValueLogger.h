@@ -33,7 +33,10 @@ public:
     // Creates the file, replacing one that is there. On failure logs "OpenValueStream : Cannot Create File: " with the
     // name, and no line will be written.
     void openValueStream();
-    // The value's current state truncated toward zero.
+    // Closes the file without what is not written yet, so that a file which blocks its writer blocks nobody else. For
+    // a logger whose thread had to be terminated.
+    void discardFile();
+    // The value's current state truncated toward zero; 0 without a value.
     int getIntValue();
 
 signals:

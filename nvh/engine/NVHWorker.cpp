@@ -32,12 +32,15 @@ NVHWorker::~NVHWorker() {
     loggerRunning = false;
     for (const CaptureThread& capture : captureThreads())
         capture.thread->quit();
-    joinCaptureThreads();
+    const bool allEnded = joinCaptureThreads();
     // Terminating is the last resort and may itself take its time; a thread object must not go while its thread runs.
     for (const CaptureThread& capture : captureThreads())
         capture.thread->wait();
-    for (const auto& logger : mLoggers)
+    for (const auto& logger : mLoggers) {
+        if (logger && !allEnded)
+            logger->discardFile();
         delete logger;
+    }
 }
 
 void NVHWorker::start() {

@@ -88,8 +88,10 @@ bool NVHWorker::joinCaptureThreads() {
         return true;
     // The loggers of terminated threads can no longer delete themselves.
     for (QPointer<NvhValueLogger>& logger : mLoggers) {
-        if (logger && logger->thread()->wait(kThreadWaitMs))
+        if (logger && logger->thread()->wait(kThreadWaitMs)) {
+            logger->discardFile();
             delete logger;
+        }
     }
     return false;
 }
