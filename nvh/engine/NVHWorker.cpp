@@ -52,11 +52,19 @@ void NVHWorker::start() {
         return;
     }
     mRunning = true;
-    // A report on the run before must not turn up in this one.
-    releaseMicCheck();
-    // While the last run is being packed, this one's logs would overwrite its files.
+    mRunWanted = true;
+    // A report on the run before must not turn up in this one; if a package waits for it, so does this run.
+    if (!mResultsWanted)
+        releaseMicCheck();
+    beginRun();
+}
+
+void NVHWorker::beginRun() {
+    // This run's logs would overwrite the files of the last one before they are packed.
+    if (mResultsWanted)
+        return;
     mPackageManager.whenNotPackaging(this, [this] {
-        if (!mRunning)
+        if (!std::exchange(mRunWanted, false))
             return;
         initValueLoggerThreads();
         createDataValuesFile();
@@ -100,6 +108,7 @@ void NVHWorker::stop() {
     emit recordingStopped();
     stopAudioRecording();
     mRunning = false;
+    mRunWanted = false;
     loggerRunning = false;
     emit endRecording();
     if (joinCaptureThreads()) {
@@ -135,6 +144,8 @@ void NVHWorker::resumeWhatWaited() {
         mResultsWanted = false;
         resultsDone();
     }
+    if (mRunWanted)
+        beginRun();
     if (mRecorderWanted && !recorderIsEnding()) {
         mRecorderWanted = false;
         startAudioRecording();

@@ -149,6 +149,7 @@ private:
     bool recorderIsEnding() const;
     bool isSettled() const;
     void failRecording(const QString& output);
+    void beginRun();
     void startMicCheck();
     void releaseMicCheck();
     // Carries out what was asked for while a child of the run before was still ending.
@@ -180,6 +181,7 @@ private:
     SingleShotTimer mMicCheckTimer;
     std::array<QPointer<NvhValueLogger>, 3> mLoggers;  // on their threads; delete themselves when they have finished
     bool mRecorderTerminated = false;                  // told to stop, not gone yet
+    bool mRunWanted = false;                           // to be begun when the last one's results are packed
     bool mRecorderWanted = false;                      // to be started when the last one is gone
     bool mResultsWanted = false;                       // to be packed when recorder and microphone check are gone
     bool mCaptureDiscarded = false;                    // the capture of the recorder that is ending is not wanted
