@@ -7,6 +7,7 @@
 
 #include <QFile>
 #include <QFileInfo>
+#include <QTimer>
 #include <QtEndian>
 
 #include <sys/stat.h>
@@ -55,17 +56,21 @@ void NVHWorker::arecord_done() {
     const QString output = QString::fromLocal8Bit(mRecorder->readAll());
     Logger(this, "INFO") << "arecord:" << output;
     const bool endedByItself = mRunning && !mRecorderTerminated;
-    const bool wroteNothing = endedByItself && captureWrittenAt() == mCaptureBefore;
+    const QDateTime writtenAt = captureWrittenAt();
+    // A recorder that leaves at once may leave another one's file behind.
+    const bool capturedNothing = !writtenAt.isValid() || (endedByItself && writtenAt == mCaptureBefore);
     mRecorder = nullptr;
     mRecorderTerminated = false;
     if (mCaptureDiscarded)
         QFile::remove(cCapturingFileName.value());
-    else if (!wroteNothing)
+    else if (!capturedNothing || !writtenAt.isValid())
         processRecording(RecordingTest);
     // Without a device or with a full disk the recorder leaves by itself; nobody must go on driving for nothing.
     if (endedByItself)
         failRecording(output);
-    if (mTestType == QLatin1String("Mic Test") && !mCaptureDiscarded && !wroteNothing)
+    // The report must not turn up in a run that has begun meanwhile.
+    const bool reportWanted = !mCaptureDiscarded && (!mRunning || mResultsWanted);
+    if (mTestType == QLatin1String("Mic Test") && !capturedNothing && reportWanted)
         startMicCheck();
     mCaptureDiscarded = false;
     resumeWhatWaited();
@@ -73,13 +78,17 @@ void NVHWorker::arecord_done() {
 
 void NVHWorker::arecord_error() {
     failRecording(mRecorder ? QString::fromLocal8Bit(mRecorder->readAll()) : QString());
+    // A recorder that could not start has no end to report either. Its process may not be started again from here.
+    if (mRecorder && mRecorder->error() == QProcess::FailedToStart)
+        QTimer::singleShot(0, this, &NVHWorker::resumeWhatWaited);
 }
 
 void NVHWorker::failRecording(const QString& output) {
-    stop();
+    // A recorder that was told to end belongs to a run that is over, and does not end the next one.
+    if (!mRunning || !mRecorderTerminated)
+        stop();
     Logger(this, "ERROR") << "Error with arecord" << output;
     emit updateFeedbackLabel(QStringLiteral("Error with arecord\n%1").arg(output));
-    resumeWhatWaited();
 }
 
 bool NVHWorker::writeBytesToFile(FILE* file, int offset, void* data, size_t size) {
