@@ -2,6 +2,8 @@
 
 SingleShotTimer::SingleShotTimer(QObject* parent) : QObject(parent), mTimer(this) {
     mTimer.setSingleShot(true);
+    // Others fire up to a twentieth too early.
+    mTimer.setTimerType(Qt::PreciseTimer);
 }
 
 void SingleShotTimer::stop() {
