@@ -24,7 +24,8 @@ void NVHWorker::resultsDone() {
         mResultsWanted = true;
         return;
     }
-    mAnalysisTimer.stop();
+    if (!isActive(mAnalysis))
+        mAnalysisTimer.stop();
     Logger(this, "INFO") << "Results done";
     QFile file(cResultsFileName.value());
     if (file.open(QIODevice::WriteOnly | QIODevice::Truncate)) {
@@ -40,7 +41,9 @@ void NVHWorker::resultsError() {
     if (!isActive(mAnalysis))
         mAnalysisTimer.stop();
     Logger(this, "ERROR") << "An error occurred during results/whine process.";
-    resumeWhatWaited();
+    // A program that crashed or was killed still reports its end.
+    if (mAnalysis && mAnalysis->error() == QProcess::FailedToStart)
+        resumeWhatWaited();
 }
 
 bool NVHWorker::resultsCheck(const QByteArray& table, int lowFrequency, int highFrequency, double threshold) {
