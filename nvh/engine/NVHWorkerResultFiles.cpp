@@ -93,7 +93,8 @@ void NVHWorker::createDataValuesFile() {
         Logger(this, "ERROR") << "Unable to Create" << name;
         return;
     }
-    if (std::fprintf(file, "%s", parts.join(QString()).toLocal8Bit().constData()) < 0)
+    // A full disk shows when the text leaves its buffer.
+    if (std::fprintf(file, "%s", parts.join(QString()).toLocal8Bit().constData()) < 0 || std::fflush(file) != 0)
         logWithErrorNum(QStringLiteral("Unable to Write to File %1").arg(name));
     std::fclose(file);
 }
