@@ -123,9 +123,11 @@ void NVHWorker::renameFiles(bool pass) {
 }
 
 void NVHWorker::deleteRecordedFiles() {
-    // A recorder that is still ending would put its capture in place after this.
+    // A recorder that is still ending would put its capture in place after this, a microphone check its report.
     mCaptureDiscarded = recorderIsEnding();
+    releaseMicCheck();
     removeRecordedFiles();
+    resumeWhatWaited();
 }
 
 void NVHWorker::removeRecordedFiles() {
