@@ -57,11 +57,11 @@ public:
     void whenSettled(QObject* context, std::function<void()> callback);
 
     // True for the test type "Brake Squeal", exactly so.
-    bool isBrakeSquealTest() const;
+    Q_INVOKABLE bool isBrakeSquealTest() const;
     // The analysis program's words for the selections: "2048" to "16384", and "sum", "left" or "right".
-    QString parseFftSize() const;
-    QString parseMicChannel() const;
-    QString readVin() const;
+    Q_INVOKABLE QString parseFftSize() const;
+    Q_INVOKABLE QString parseMicChannel() const;
+    Q_INVOKABLE QString readVin() const;
 
     // Repairs the RIFF size (offset 4) and the data size (offset 40) of a WAV file with the canonical 44-byte header
     // from the file's length. False, with a log line, if the file cannot be opened, measured, written or closed.
