@@ -63,7 +63,7 @@ public:
     // Where the loose files of the last package were kept because it is not complete; empty if it is.
     QString rescueFolder() const { return mRescueFolder; }
     // True while nothing is packed, uploaded or posted.
-    bool isIdle() const { return !isPackaging() && !isUploading(); }
+    bool isIdle() const { return !isPackaging() && !isUploading() && mWaitingUploads.isEmpty(); }
     // True while tar and gzip are at work; with a name, only if that file is being packed.
     bool isPackaging() const { return mGzipProcess != nullptr; }
     bool isPackaging(const QString& file) const { return isPackaging() && mFileList.contains(file); }

@@ -9,6 +9,7 @@
 #include <HelixDash/services/Logger.h>
 
 #include <QFile>
+#include <QTimer>
 
 void NvhPackageManager::postMetadata(const char* url) {
     Logger(this, "INFO") << "Adding File Metadata to Sonvara API...";
@@ -85,8 +86,10 @@ void NvhPackageManager::parseMetaPostResponse() {
 }
 
 void NvhPackageManager::postMetadataError() {
-    if (mPosting && mUploadMetadataProcess->error() == QProcess::FailedToStart)
+    if (mPosting && mUploadMetadataProcess->error() == QProcess::FailedToStart) {
         mPosting = false;
+        QTimer::singleShot(0, this, &NvhPackageManager::startWaitingUpload);
+    }
     Logger(this, "ERROR") << "POST METADATA FAILED!";
     emit packageManagerFailure();
 }

@@ -9,6 +9,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QTimer>
 
 void NvhPackageManager::startUploadingPackage(QString& pkgName) {
     if (!mSaveOnly && isUploading()) {
@@ -76,7 +77,7 @@ void NvhPackageManager::packageUploadError() {
     // A curl that could not start will not report a response either.
     if (mUploading && mUploadPackageProcess->error() == QProcess::FailedToStart) {
         mUploading = false;
-        mWaitingUploads.clear();
+        QTimer::singleShot(0, this, &NvhPackageManager::startWaitingUpload);
     }
     Logger(this, "ERROR") << "PACKAGE UPLOAD FAILED!";
     emit packageManagerFailure();
