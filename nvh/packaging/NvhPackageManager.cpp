@@ -10,6 +10,7 @@
 #include <HelixDash/services/SysUtils.h>
 
 #include <QFile>
+#include <QFileInfo>
 #include <QPointer>
 
 #include <utility>
@@ -32,7 +33,7 @@ NvhPackageManager::NvhPackageManager() = default;
 
 NvhPackageManager::~NvhPackageManager() {
     blockSignals(true);
-    const bool incomplete = isActive(mGzipProcess);
+    const bool incomplete = isPackaging();
     for (QProcess* process : {mTarProcess, mGzipProcess, mUploadPackageProcess, mUploadMetadataProcess})
         endChildProcess(process);
     if (incomplete)
@@ -79,16 +80,23 @@ void NvhPackageManager::startPipeline() {
     const QStringList tarCommand = QStringList{QStringLiteral("tar -cvf -")} + mFileList;
     Logger(this, "INFO") << "Saving to" << mPackageName;
     Logger(this, "INFO") << "tarcmd: " << bracketed(tarCommand);
+    QProcess* const tar = mTarProcess;
     mGzipProcess->startCommand(QStringLiteral("gzip -5"));
-    mTarProcess->startCommand(tarCommand.join(QLatin1Char(' ')));
+    // A gzip that cannot open its archive has failed by now, and the pair is gone.
+    if (mTarProcess == tar)
+        tar->startCommand(tarCommand.join(QLatin1Char(' ')));
 }
 
 void NvhPackageManager::packageError() {
     Logger(this, "ERROR") << "Packaging Error!";
     mPipelineBroken = true;
+    // A gzip that never started leaves an empty file, which nobody may take for a package, and never finishes; tar dies
+    // of its broken pipe.
+    const bool withoutGzip = mGzipProcess && mGzipProcess->error() == QProcess::FailedToStart;
+    if (withoutGzip)
+        QFile::remove(mArchiveInWork);
     emit packageManagerFailure();
-    // A gzip that never started never finishes; tar dies of its broken pipe.
-    if (!mGzipProcess || mGzipProcess->error() != QProcess::FailedToStart)
+    if (!withoutGzip)
         return;
     if (isActive(mTarProcess))
         connect(mTarProcess, qOverload<int, QProcess::ExitStatus>(&QProcess::finished), this,
@@ -100,10 +108,7 @@ void NvhPackageManager::packageError() {
 void NvhPackageManager::abandonPipeline() {
     if (!mGzipProcess)
         return;
-    QFile::remove(mArchiveInWork);
     endPipeline();
-    // Once more, for those who look at what is left now.
-    emit packageManagerFailure();
     startNextPackaging();
 }
 
@@ -117,12 +122,17 @@ void NvhPackageManager::removeUnpackagedFiles() {
     if (!mGzipProcess)
         return;
     endPipeline();
-    startUploadingPackage(mPackageName);
+    // Another package may have been uploaded meanwhile.
+    QString packed = mArchiveInWork;
+    startUploadingPackage(packed);
     startNextPackaging();
 }
 
 void NvhPackageManager::endPipeline() {
     const QStringList removable = safeToRemove();
+    // What these two may still have to say is not about the next package.
+    mTarProcess->disconnect(this);
+    mGzipProcess->disconnect(this);
     mTarProcess = nullptr;
     mGzipProcess = nullptr;
     for (const QString& file : removable) {
@@ -138,15 +148,17 @@ QStringList NvhPackageManager::safeToRemove() {
         return mFileList;
     const QString reason = complaintOf(mTarProcess) + complaintOf(mGzipProcess);
     const Rescue rescue = rescueFiles(mArchiveInWork, mFileList);
-    if (rescue.folder.isEmpty())
-        return mFileList;
-    Logger(this, "ERROR") << "Package incomplete, its files are kept in" << rescue.folder << reason;
     mRescueFolder = rescue.folder;
-    emit updateFeedbackLabel(rescueNote());
     QStringList removable;
     for (const QString& file : std::as_const(mFileList)) {
         if (rescue.kept.contains(file) || !QFile::exists(file))
             removable.append(file);
+        else if (mRescueFolder.isEmpty())
+            mRescueFolder = QFileInfo(file).absolutePath();  // it stays where it is
+    }
+    if (!mRescueFolder.isEmpty()) {
+        Logger(this, "ERROR") << "Package incomplete, its files are kept in" << mRescueFolder << reason;
+        emit updateFeedbackLabel(rescueNote());
     }
     return removable;
 }
@@ -156,10 +168,11 @@ QString NvhPackageManager::rescueNote() const {
 }
 
 void NvhPackageManager::startNextPackaging() {
-    for (const auto& callback : std::exchange(mWhenNotPackaging, {}))
-        callback();
-    if (mWaitingPackagings.empty())
+    if (mWaitingPackagings.empty()) {
+        for (const auto& callback : std::exchange(mWhenNotPackaging, {}))
+            callback();
         return;
+    }
     PackageRequest next = mWaitingPackagings.front();
     mWaitingPackagings.erase(mWaitingPackagings.begin());
     startPackageManagerProcess(next.packageName, next.files);

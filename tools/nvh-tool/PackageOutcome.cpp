@@ -69,10 +69,12 @@ void PackageOutcome::fail(const QString& step) {
 }
 
 void PackageOutcome::checkLater() {
-    QTimer::singleShot(0, this, [this] {
-        if (mSettled || !mManager.isIdle())
-            return;
-        mSettled = true;
-        emit settled();
+    mManager.whenNotPackaging(this, [this] {
+        QTimer::singleShot(0, this, [this] {
+            if (mSettled || !mManager.isIdle())
+                return;
+            mSettled = true;
+            emit settled();
+        });
     });
 }
