@@ -55,8 +55,8 @@ void DropDownPicker::openList() {
         connect(view, &ControlBase::released, this, [this, row] { rowReleased(row); });
     }
     placeList();
-    mTrap = new TouchTrap(screenView(), mList);
-    connect(mTrap, &TouchTrap::touchedElsewhere, this, &DropDownPicker::closeList);
+    auto* trap = new TouchTrap(mList, TouchTrap::OnOwner::Passes);
+    connect(trap, &TouchTrap::touchedElsewhere, this, &DropDownPicker::closeList);
     update();
 }
 
@@ -74,9 +74,6 @@ void DropDownPicker::placeList() {
 }
 
 void DropDownPicker::closeList() {
-    if (mTrap)
-        mTrap->retire();
-    mTrap.clear();
     if (mList) {
         mList->show(false);
         mList->deleteLater();

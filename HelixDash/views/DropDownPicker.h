@@ -16,8 +16,6 @@
 #include <QPointer>
 #include <QStringList>
 
-class TouchTrap;
-
 class HELIXDASH_EXPORT DropDownPicker : public ControlBase {
     Q_OBJECT
 
@@ -57,5 +55,4 @@ private:
     int mChoice = -1;
     bool mTouched = false;
     QPointer<ScrollableView> mList;
-    QPointer<TouchTrap> mTrap;
 };

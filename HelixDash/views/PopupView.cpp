@@ -14,19 +14,14 @@ constexpr int kShadow = 6;  // drawn inside the view's own rectangle
 
 PopupView::PopupView(DisplayView* parent, int cornerRadius, int margin)
     : DisplayView(parent), mCornerRadius(qMax(0, cornerRadius)), mMargin(qMax(0, margin)) {
-    mTrap = new TouchTrap(screenView(), nullptr);
-    connect(mTrap, &TouchTrap::touchedElsewhere, this, &PopupView::dismiss);
+    auto* trap = new TouchTrap(this, TouchTrap::OnOwner::Elsewhere);
+    connect(trap, &TouchTrap::touchedElsewhere, this, &PopupView::dismiss);
     mTimer.setSingleShot(true);
     mTimer.setTimerType(Qt::PreciseTimer);
     connect(&mTimer, &QTimer::timeout, this, &PopupView::dismiss);
     mTimer.start(kShownMs);
     if (parent)
         parent->installEventFilter(this);
-}
-
-PopupView::~PopupView() {
-    if (mTrap)
-        mTrap->retire();
 }
 
 void PopupView::sizeToContents() {
@@ -44,8 +39,6 @@ void PopupView::dismiss() {
         return;
     mDismissed = true;
     mTimer.stop();
-    if (mTrap)
-        mTrap->retire();
     setVisible(false);
     deleteLater();
 }

@@ -12,10 +12,7 @@
 
 #include <HelixDash/views/DisplayView.h>
 
-#include <QPointer>
 #include <QTimer>
-
-class TouchTrap;
 
 class HELIXDASH_EXPORT PopupView : public DisplayView {
     Q_OBJECT
@@ -25,7 +22,6 @@ public:
 
     // Radius of the corners and the room kept free between the edge and the contents, in pixels.
     PopupView(DisplayView* parent, int cornerRadius, int margin);
-    ~PopupView() override;
 
     // Makes the popup just large enough for the views in it, with the margin around them.
     void sizeToContents();
@@ -46,5 +42,4 @@ private:
     const int mMargin;
     bool mDismissed = false;
     QTimer mTimer;
-    QPointer<TouchTrap> mTrap;
 };

@@ -20,52 +20,27 @@ bool contains(const QWidget* view, const QPoint& global) {
 
 }  // namespace
 
-TouchTrap::TouchTrap(DisplayView* screen, DisplayView* letThrough)
-    : QObject(screen), mScreen(screen), mLetThrough(letThrough) {
+TouchTrap::TouchTrap(DisplayView* owner, OnOwner onOwner) : QObject(owner), mOwner(owner), mOnOwner(onOwner) {
     qApp->installEventFilter(this);
 }
 
-void TouchTrap::retire() {
-    mRetired = true;
-    if (!mKeeping)
-        deleteLater();
-}
-
+// The window hears of a touch before its widgets do; a widget hears of it alone where it is sent to it directly.
 bool TouchTrap::isOnScreen(QObject* watched) const {
     if (watched->isWindowType())
-        return watched == mScreen->window()->windowHandle();
+        return watched == mOwner->window()->windowHandle();
+    const DisplayView* screen = mOwner->screenView();
     auto* widget = qobject_cast<QWidget*>(watched);
-    return widget && (widget == mScreen || mScreen->isAncestorOf(widget));
-}
-
-bool TouchTrap::keepsPress(const QPoint& global) {
-    mKeeping = false;
-    if (mRetired) {
-        deleteLater();
-        return false;
-    }
-    if (!contains(mScreen, global) || (mLetThrough && contains(mLetThrough, global)))
-        return false;
-    mKeeping = true;
-    emit touchedElsewhere();
-    return true;
+    return widget && (widget == screen || screen->isAncestorOf(widget));
 }
 
 bool TouchTrap::eventFilter(QObject* watched, QEvent* event) {
-    switch (event->type()) {
-        case QEvent::MouseButtonPress:
-        case QEvent::MouseButtonDblClick:
-            return isOnScreen(watched) && keepsPress(globalPlace(watched, static_cast<QMouseEvent*>(event)));
-        case QEvent::MouseMove:
-            return mKeeping && isOnScreen(watched);
-        case QEvent::MouseButtonRelease:
-            if (!mKeeping || !isOnScreen(watched))
-                return false;
-            mKeeping = false;
-            if (mRetired)
-                deleteLater();
-            return true;
-        default:
-            return false;
-    }
+    if (event->type() != QEvent::MouseButtonPress && event->type() != QEvent::MouseButtonDblClick)
+        return false;
+    if (!mOwner->isVisible() || !isOnScreen(watched))
+        return false;
+    const QPoint place = globalPlace(watched, static_cast<QMouseEvent*>(event));
+    if (!contains(mOwner->screenView(), place) || (mOnOwner == OnOwner::Passes && contains(mOwner, place)))
+        return false;
+    emit touchedElsewhere();
+    return true;
 }

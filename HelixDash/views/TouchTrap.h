@@ -1,30 +1,25 @@
 #pragma once
 
-// Watches a screen for a touch outside a place, and keeps that whole touch, until the finger is lifted, from everything
-// else. What lies above everything (a popup, a list of choices) closes by it. Not for applications.
-//
-// It belongs to the screen and ends itself: retire() lets it go, which it does when the touch it keeps is over.
+// Belongs to a view that lies above everything (a popup, a list of choices) and is to close when the screen is touched
+// elsewhere. While the view is visible the trap keeps such a touch from everything else. A control that has not seen
+// the finger come down does nothing when it is lifted, so it is enough to keep the beginning of the touch. Not for
+// applications.
 
 #include <QObject>
-#include <QPointer>
-
-#include <functional>
 
 class DisplayView;
-class QEvent;
-class QMouseEvent;
+class QPoint;
 
 class TouchTrap : public QObject {
     Q_OBJECT
 
 public:
-    // A touch on the given view, or in it, passes; null keeps every touch on the screen.
-    TouchTrap(DisplayView* screen, DisplayView* letThrough);
+    enum class OnOwner { Passes, Elsewhere };
 
-    void retire();
+    // onOwner says whether a touch on the owner itself reaches it.
+    TouchTrap(DisplayView* owner, OnOwner onOwner);
 
 signals:
-    // The finger came down elsewhere.
     void touchedElsewhere();
 
 protected:
@@ -32,10 +27,7 @@ protected:
 
 private:
     bool isOnScreen(QObject* watched) const;
-    bool keepsPress(const QPoint& global);
 
-    DisplayView* const mScreen;
-    QPointer<DisplayView> mLetThrough;
-    bool mKeeping = false;
-    bool mRetired = false;
+    DisplayView* const mOwner;
+    const OnOwner mOnOwner;
 };

@@ -212,6 +212,7 @@ void TestTableView::gesturesOnASwitch() {
     SlideSwitch* mark = cell(1)->mark;
     QSignalSpy changed(mark, &SwitchControl::positionChanged);
     mTable->setEnabled(!disabled);
+    const QImage atRest = mark->grab().toImage();
     const QPoint from = mark->mapTo(mScreen.get(), mark->itemPlace(2).center());
     Finger finger(mScreen.get());
     finger.press(mScreen.get(), from);
@@ -222,6 +223,7 @@ void TestTableView::gesturesOnASwitch() {
     QTEST(mark->position(), "position");
     QCOMPARE(int(changed.count()), mark->position() == 0 ? 0 : 1);
     QTEST(mTable->scrollPosition() > 0, "scrolls");
+    QTRY_COMPARE(mark->grab().toImage() == atRest, mark->position() == 0);
 }
 
 void TestTableView::tellsATouchedRow() {

@@ -87,7 +87,7 @@ void TestPopup::staysAboveWhatComesLater() {
     popup->resize(300, 200);
     auto* later = new ButtonView("Reload", mApp);
     later->resize(800, 640);
-    QTRY_COMPARE(mApp->childAt(mApp->rect().center()), popup);
+    QTRY_COMPARE_WITH_TIMEOUT(mApp->childAt(mApp->rect().center()), popup, 1000);
 }
 
 void TestPopup::closesWithItsParent_data() {
