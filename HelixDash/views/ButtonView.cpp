@@ -86,6 +86,9 @@ void ButtonView::released() {
 }
 
 void ButtonView::touchLost() {
+    if (mOperating && mOperating != this)
+        mOperating->touchLost();
+    mOperating.clear();
     mTouched = false;
     showPress();
 }
@@ -131,7 +134,7 @@ void ButtonView::mousePressEvent(QMouseEvent* event) {
 
 void ButtonView::mouseMoveEvent(QMouseEvent* event) {
     if (mOperating)
-        mOperating->setFingerOn(mOperating->rect().contains(mOperating->mapFromGlobal(event->globalPos())));
+        mOperating->setFingerOn(mOperating->rect().contains(mOperating->mapFromGlobal(mapToGlobal(event->pos()))));
 }
 
 void ButtonView::mouseReleaseEvent(QMouseEvent* event) {

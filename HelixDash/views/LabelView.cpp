@@ -63,6 +63,10 @@ QSize LabelView::textSize(int limit) const {
 }
 
 QSize LabelView::sizeHint() const {
+    return neededSize();
+}
+
+QSize LabelView::neededSize() const {
     const int inParent = parentWidget() ? parentWidget()->width() - x() : QWIDGETSIZE_MAX;
     const int limit = qMin(maximumWidth(), inParent > 0 ? inParent : QWIDGETSIZE_MAX);
     const int around = 2 * padding();
@@ -80,7 +84,7 @@ QRect LabelView::textPlace() const {
 void LabelView::textChanged() {
     mBlock.reset();
     if (!mHasSize) {
-        const QSize needed = sizeHint();
+        const QSize needed = neededSize();
         resizeSilently(needed.width(), needed.height());
     }
     update();

@@ -55,6 +55,7 @@ protected:
 
 private:
     void textChanged();
+    QSize neededSize() const;
     QSize textSize(int limit) const;
     int padding() const;
     QRect textPlace() const;

@@ -5,8 +5,8 @@
 
 namespace {
 
-constexpr int kSmallestItemWidth = 64;
-constexpr int kItemPadding = 28;
+constexpr int kSmallestItemWidth = 60;
+constexpr int kItemPadding = 22;
 
 }  // namespace
 

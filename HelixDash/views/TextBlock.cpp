@@ -72,7 +72,7 @@ void TextBlock::keepLinesWithin(int height) {
 }
 
 void TextBlock::paint(QPainter* painter, const QRect& box, Qt::Alignment alignment) const {
-    qreal top = box.top();
+    int top = box.top();  // whole pixels, or the text would blur
     if (alignment & Qt::AlignVCenter)
         top += (box.height() - mSize.height()) / 2;
     else if (alignment & Qt::AlignBottom)
