@@ -27,6 +27,10 @@ StopSignals::StopSignals(QObject* parent) : QObject(parent) {
         return;
     auto* notifier = new QSocketNotifier(pipeEnds[0], QSocketNotifier::Read, this);
     connect(notifier, &QSocketNotifier::activated, this, &StopSignals::read);
+    rearm();
+}
+
+void StopSignals::rearm() {
     struct sigaction action {};
     action.sa_handler = noteSignal;
     action.sa_flags = SA_RESTART | int(SA_RESETHAND);

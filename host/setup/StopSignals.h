@@ -3,7 +3,7 @@
 #include <QObject>
 
 // SIGINT and SIGTERM as a signal on the event loop, so that a program can end what it has begun. A second one of the
-// same kind ends the process at once.
+// same kind ends the process at once, unless rearm() has been called.
 //
 // One object at a time. UI thread.
 class StopSignals : public QObject {
@@ -11,6 +11,9 @@ class StopSignals : public QObject {
 public:
     explicit StopSignals(QObject* parent = nullptr);
     ~StopSignals() override;
+
+    // The next one is caught again.
+    void rearm();
 
     // What a shell expects as the status of a program that was ended so.
     static int exitStatus(int signal) { return 128 + signal; }

@@ -1,8 +1,8 @@
 #include "tools/nvh-tool/CanLogCommand.h"
 
+#include "host/setup/StopSignals.h"
 #include "nvh/capture/LoggerRunning.h"
 #include "nvh/capture/NvhCanEth.h"
-#include "tools/nvh-tool/Interrupt.h"
 
 #include <HelixDash/services/RuntimeEnv.h>
 
@@ -73,7 +73,7 @@ public:
         connect(&mClient, &NvhCanEth::acknowledged, this, &CanLogRun::acknowledged);
         connect(&mClient, &NvhCanEth::ackFailed, this, &CanLogRun::sayWhyNot);
         connect(&mThread, &QThread::finished, this, &CanLogRun::ended);
-        connect(mInterrupt, &Interrupt::interrupted, this, &CanLogRun::interrupt);
+        connect(&mStopSignals, &StopSignals::caught, this, &CanLogRun::interrupt);
         connect(&mEndTimer, &QTimer::timeout, this, &CanLogRun::stop);
         connect(&mProgressTimer, &QTimer::timeout, this, &CanLogRun::showProgress);
         mEndTimer.setSingleShot(true);
@@ -124,7 +124,6 @@ private:
     // the next interrupt ends the process.
     void interrupt() {
         stop();
-        mInterrupt->deleteLater();
         if (!mAcknowledged)
             say(QStringLiteral("waiting for the gateway's answer; interrupt again to leave at once"));
     }
@@ -144,7 +143,7 @@ private:
     CanLogOptions mOptions;
     NvhCanEth mClient;  // on mThread
     QThread mThread;
-    Interrupt* mInterrupt = new Interrupt(this);
+    StopSignals mStopSignals;
     QTimer mEndTimer;
     QTimer mProgressTimer;
     QElapsedTimer mClock;  // since the acknowledgement

@@ -1,7 +1,7 @@
 #include "tools/nvh-tool/RecordCommand.h"
 
+#include "host/setup/StopSignals.h"
 #include "nvh/engine/NVHWorker.h"
-#include "tools/nvh-tool/Interrupt.h"
 #include "tools/nvh-tool/PackageOutcome.h"
 
 #include <QCoreApplication>
@@ -58,7 +58,7 @@ public:
         connect(&mWorker, &NVHWorker::updateFeedbackLabel, this, &TestRun::heedEngine);
         connect(&mWorker, &NVHWorker::startUpdating, this, &TestRun::recordingStarted);
         connect(&mWorker, &NVHWorker::endRecording, this, &TestRun::recordingEnded);
-        connect(&mInterrupt, &Interrupt::interrupted, this, &TestRun::interrupt);
+        connect(&mStopSignals, &StopSignals::caught, this, &TestRun::interrupt);
         connect(&mOutcome, &PackageOutcome::settled, this, &TestRun::packageSettled);
         connect(&mEndTimer, &QTimer::timeout, &mWorker, &NVHWorker::stop);
         connect(&mProgressTimer, &QTimer::timeout, this, &TestRun::showProgress);
@@ -131,6 +131,7 @@ private:
 
     // The first interrupt ends the recording, a later one the wait for the server; the package stays.
     void interrupt() {
+        mStopSignals.rearm();
         if (mWorker.isRunning()) {
             mWorker.stop();
         } else if (mDecided) {
@@ -142,7 +143,7 @@ private:
     RecordOptions mOptions;
     NVHWorker mWorker;
     PackageOutcome mOutcome;
-    Interrupt mInterrupt;
+    StopSignals mStopSignals;
     QTimer mEndTimer;
     QTimer mProgressTimer;
     QElapsedTimer mClock;

@@ -176,7 +176,10 @@ std::vector<Figure> measureSession(RecorderScreen& recorder, QString& error) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    QApplication application(argc, argv);
+    // Qt would take --plugin for an option of its own.
+    const QStringList arguments(argv, argv + argc);
+    int ownName = 1;
+    QApplication application(ownName, argv);
     QCommandLineParser parser;
     HostOptions::addTo(parser);
     parser.addHelpOption();
@@ -186,7 +189,7 @@ int main(int argc, char** argv) {
         {QStringLiteral("start"), QStringLiteral("Starts once, and prints milliseconds and megabytes."),
          QStringLiteral("bare|recorder")},
     });
-    parser.process(application);
+    parser.process(arguments);
     QString error;
     const auto options = HostOptions::read(parser, &error);
     HostServices services;
@@ -195,7 +198,7 @@ int main(int argc, char** argv) {
     if (parser.isSet(QStringLiteral("start")))
         return startOnce(parser, parser.value(QStringLiteral("start")) == QLatin1String("bare"));
 
-    std::vector<Figure> figures = measureStarts(QCoreApplication::arguments());
+    std::vector<Figure> figures = measureStarts(arguments);
     RecorderScreen recorder;
     if (!recorder.load(parser.value(QStringLiteral("plugin")), parser.value(QStringLiteral("app-dir")), &error))
         return fail(error);
