@@ -23,8 +23,10 @@ endfunction()
 
 # nvh_add_test(NAME [SOURCES …] [LIBRARIES …] [LABELS …] [TIMEOUT seconds] [LOCKS …]): a Qt Test program that CTest
 # runs without a display. LOCKS names what two tests must not use at once (a fixed port, the sound device).
+# PRIVATE_FILES gives it a /tmp of its own and programs that it may replace, PRIVATE_NETWORK a network of its own too;
+# such a test needs no lock for what is its own.
 function(nvh_add_test name)
-    cmake_parse_arguments(ARG "" "TIMEOUT" "SOURCES;LIBRARIES;LABELS;LOCKS" ${ARGN})
+    cmake_parse_arguments(ARG "PRIVATE_FILES;PRIVATE_NETWORK" "TIMEOUT" "SOURCES;LIBRARIES;LABELS;LOCKS" ${ARGN})
     if(NOT ARG_TIMEOUT)
         set(ARG_TIMEOUT 60)
     endif()
@@ -35,7 +37,15 @@ function(nvh_add_test name)
         NVH_LIB_DIR="${CMAKE_LIBRARY_OUTPUT_DIRECTORY}"
         NVH_SOURCE_DIR="${CMAKE_SOURCE_DIR}")
     set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
-    add_test(NAME ${name} COMMAND ${name})
+    set(runner)
+    if(ARG_PRIVATE_FILES OR ARG_PRIVATE_NETWORK)
+        set(runner ${CMAKE_SOURCE_DIR}/tests/support/in-private-namespace)
+        if(ARG_PRIVATE_NETWORK)
+            list(APPEND runner --net)
+        endif()
+        list(APPEND runner --keep ${CMAKE_SOURCE_DIR} --keep ${CMAKE_BINARY_DIR})
+    endif()
+    add_test(NAME ${name} COMMAND ${runner} $<TARGET_FILE:${name}>)
     set_tests_properties(${name} PROPERTIES
         TIMEOUT ${ARG_TIMEOUT}
         LABELS "${ARG_LABELS}"

@@ -1,0 +1,425 @@
+// Test runs from start() to the package, and all that may go wrong on the way.
+
+#include "tests/nvh/engine/WatchedEngine.h"
+#include "tests/support/MachineTest.h"
+#include "tests/support/ScriptedServer.h"
+
+#include <QElapsedTimer>
+#include <QRegularExpression>
+#include <QtEndian>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+const QString kRecording = QStringLiteral("/tmp/recording.wav");
+const QString kVehicleStopped = QStringLiteral("INFO Stopping Recording - VEHICLE STOPPED ");
+
+}  // namespace
+
+class TestTestRun : public MachineTest {
+    Q_OBJECT
+
+private slots:
+    void runsInOrder() {
+        configure("nvh/LogVerbose", true);
+        setValue("VAPI_trim", 3);
+        WatchedEngine worker(*mJournal);
+        worker.start();
+        QVERIFY(worker.isRunning());
+        QVERIFY(recorderWrites());
+        setValue("VAPI_motorRPM", 2301.4);
+        setValue("VAPI_motorRPM", 2301.9);
+        setValue("VAPI_signedVehicleSpeed", -3.7);
+        QCOMPARE(worker.getMotorRPM(), 2301);
+        worker.stop();
+        QVERIFY(!worker.isRunning());
+        QVERIFY(waitFor("INFO rename and header fix for  /tmp/recording.wav "));
+        worker.resultsDone();
+        QVERIFY(waitFor("> fileSaved"));
+
+        const QString package = worker.package();
+        const QStringList files = {"/tmp/recording.wav",      "/tmp/nvh-rpm.txt",          "/tmp/nvh-results.txt",
+                                   "/tmp/nvh-datavalues.txt", "/tmp/nvh-vehiclespeed.txt", "/tmp/nvh-motortorque.txt"};
+        const QStringList expected = {
+            "INFO start ",
+            "> updateFeedbackLabel ",
+            "INFO initValueLoggerThreads ",
+            "INFO Creating DataValues File ",
+            "INFO actuallyStartRecording ",
+            "INFO VehicleSpeedThread Running:  true ",
+            "INFO MotorTorqueThread Running:  true ",
+            "INFO MotorRPMThread Running:  true ",
+            "INFO startAudioRecording ",
+            "INFO Starting process: /usr/bin/arecord [-Dapp_in_diagnostic, -c8, -r48000, -fS16_LE, -N, "
+            "/tmp/capture/test.wav] ",
+            "> startUpdating",
+            "INFO stop ",
+            "> recordingStopped",
+            "> endRecording",
+            "INFO NVHWorker::stop All threads exited properly ",
+            "INFO arecord: Aborted by signal Terminated...\n ",
+            "INFO processRecording ",
+            "INFO rename and header fix for  /tmp/recording.wav ",
+            "INFO Results done ",
+            "INFO package name:  " + package + " ",
+            "INFO Missing /tmp/ambient.wav ",
+            "INFO Missing /tmp/notes.wav ",
+            "INFO Missing /tmp/nvh-config.txt ",
+            "INFO Missing /tmp/nvh-wheelspeeds.txt ",
+            "INFO Missing /tmp/nvh-vdtStatic.txt ",
+            "INFO Missing /tmp/nvh-micCheck.txt ",
+            "INFO startPackageManagerProcess ",
+            "> packagingStart",
+            "INFO Saving to " + package + " ",
+            "INFO tarcmd:  [tar -cvf -, " + files.join(", ") + "] ",
+            "> finished",
+            "INFO Skipping Upload..! ",
+            "> fileSaved"};
+        QCOMPARE(mJournal->entries(), expected);
+        QCOMPARE(mJournal->elsewhere().filter(QRegularExpression("^INFO Logger Thread Started! ID:  \\d+ $")).size(),
+                 3);
+        QCOMPARE(mJournal->elsewhere().count("INFO stopLogging  Stopping DataValue Logging.... "), 3);
+
+        QCOMPARE(readFile("/tmp/recorder-arguments"),
+                 QByteArray("-Dapp_in_diagnostic -c8 -r48000 -fS16_LE -N ") + mMachine.kCapture);
+        QCOMPARE("/" + archiveMembers(package).join(",/"), files.join(","));
+        for (const QString& file : files)
+            QVERIFY2(!QFileInfo::exists(file), qPrintable(file));
+        QCOMPARE(archiveMember(package, "tmp/nvh-results.txt"), QByteArray("SkippedQ5"));
+        QCOMPARE(QString(archiveMember(package, "tmp/nvh-rpm.txt")).remove(QRegularExpression("\\d+(?=, )")),
+                 ", 2301\n, 2301\n");
+        QVERIFY(archiveMember(package, "tmp/nvh-vehiclespeed.txt").endsWith(", -3\n"));
+        QCOMPARE(archiveMember(package, "tmp/nvh-motortorque.txt"), QByteArray());
+        const QByteArray recording = archiveMember(package, "tmp/recording.wav");
+        QCOMPARE(qFromLittleEndian<quint32>(recording.constData() + 40), quint32(recording.size() - 44));
+        QVERIFY(!QFileInfo::exists(mMachine.kCapture));
+    }
+
+    void refusesSecondStartAndIdleStop() {
+        WatchedEngine worker(*mJournal);
+        worker.stop();
+        QCOMPARE(mJournal->entries(), QStringList("ERROR Not currently running "));
+        worker.start();
+        QVERIFY(recorderWrites());
+        const int threads = threadCount();
+        mJournal->clear();
+        worker.start();
+        QCOMPARE(mJournal->entries(), QStringList({"> updateFeedbackLabel ", "ERROR Already running "}));
+        QCOMPARE(threadCount(), threads);
+        QCOMPARE(childPrograms(), QStringList("arecord"));
+        QVERIFY(worker.isRunning());
+        worker.stop();
+        QCOMPARE(mJournal->count("> recordingStopped"), 1);
+        QVERIFY(waitFor("INFO processRecording "));
+    }
+
+    void stopsAtStandstill() {
+        setValue("VAPI_signedVehicleSpeed", 12.0);
+        WatchedEngine worker(*mJournal, "Brake Squeal");
+        worker.start();
+        QVERIFY(recorderWrites());
+        QElapsedTimer clock;
+        clock.start();
+        setValue("VAPI_signedVehicleSpeed", 0.0);
+        setValue("VAPI_signedVehicleSpeed", 5.0);
+        setValue("VAPI_signedVehicleSpeed", -0.5);
+        QCOMPARE(mJournal->count(kVehicleStopped), 1);
+        QVERIFY(waitFor("> endRecording"));
+        QVERIFY2(clock.elapsed() >= 1990 && clock.elapsed() < 2900, qPrintable(QString::number(clock.elapsed())));
+        QVERIFY(!worker.isRunning());
+    }
+
+    void keepsRunningUnlessBrakeSquealsToStandstill_data() {
+        QTest::addColumn<QString>("firstType");
+        QTest::addColumn<QString>("type");
+        QTest::addColumn<double>("speed");
+        QTest::newRow("rolling") << "Brake Squeal"
+                                 << "Brake Squeal" << 0.1;
+        QTest::newRow("another type") << "65 MPH"
+                                      << "brake squeal" << 0.0;
+        QTest::newRow("another type after a brake squeal") << "Brake Squeal"
+                                                           << "65 MPH" << 0.0;
+    }
+
+    void keepsRunningUnlessBrakeSquealsToStandstill() {
+        QFETCH(QString, firstType);
+        QFETCH(QString, type);
+        QFETCH(double, speed);
+        setValue("VAPI_signedVehicleSpeed", 12.0);
+        WatchedEngine worker(*mJournal, firstType);
+        worker.start();
+        QVERIFY(recorderWrites());
+        // Stopped by hand within the two seconds: the timer of this run must not end the next one.
+        if (firstType == "Brake Squeal")
+            setValue("VAPI_signedVehicleSpeed", 0.0);
+        worker.stop();
+        worker.setTestType(type);
+        setValue("VAPI_signedVehicleSpeed", 12.0);
+        mJournal->clear();
+        worker.start();
+        QVERIFY(waitFor("> startUpdating"));
+        setValue("VAPI_signedVehicleSpeed", speed);
+        QVERIFY(!QTest::qWaitFor([this] { return mJournal->has(kVehicleStopped) || mJournal->has("> endRecording"); },
+                                 2200));
+        QVERIFY(worker.isRunning());
+    }
+
+    void terminatesHangingLogger_data() {
+        QTest::addColumn<QString>("log");
+        QTest::addColumn<QString>("thread");
+        QTest::addColumn<bool>("opened");
+        QTest::newRow("speed") << "/tmp/nvh-vehiclespeed.txt"
+                               << "mVehicleSpeedLoggerThread" << false;
+        QTest::newRow("torque") << "/tmp/nvh-motortorque.txt"
+                                << "mMotorTorqueLoggerThread" << false;
+        QTest::newRow("rpm") << "/tmp/nvh-rpm.txt"
+                             << "mMotorRPMLoggerThread" << false;
+        QTest::newRow("rpm, in a write") << "/tmp/nvh-rpm.txt"
+                                         << "mMotorRPMLoggerThread" << true;
+    }
+
+    void terminatesHangingLogger() {
+        QFETCH(QString, log);
+        QFETCH(QString, thread);
+        QFETCH(bool, opened);
+        // Nobody reads it, so that opening it for writing never ends, or writing when it is full.
+        QCOMPARE(::mkfifo(qPrintable(log), 0600), 0);
+        const int reader = opened ? ::open(qPrintable(log), O_RDONLY | O_NONBLOCK) : -1;
+        writeFile("/tmp/notes.wav", "said before");
+        WatchedEngine worker(*mJournal);
+        const int threads = threadCount();
+        worker.start();
+        QVERIFY(recorderWrites());
+        for (int rpm = 0; opened && rpm < 20000; ++rpm)
+            setValue("VAPI_motorRPM", rpm);
+        QElapsedTimer clock;
+        clock.start();
+        worker.stop();
+        QVERIFY2(clock.elapsed() >= 500 && clock.elapsed() < 1500, qPrintable(QString::number(clock.elapsed())));
+        QCOMPARE(mJournal->withPrefix("ERROR"),
+                 QStringList("ERROR " + thread + " did't exit on time! Terminating... "));
+        QVERIFY(mJournal->has("INFO Discarding Files "));
+        for (const QString& file : {log, QString("/tmp/notes.wav"), QString("/tmp/nvh-datavalues.txt")})
+            QVERIFY2(!QFileInfo::exists(file), qPrintable(file));
+        QVERIFY(waitFor("INFO processRecording "));
+        QTRY_COMPARE(threadCount(), threads);
+        ::close(reader);
+
+        mJournal->clear();
+        worker.start();
+        QVERIFY(recorderWrites());
+        worker.stop();
+        QCOMPARE(mJournal->withPrefix("ERROR"), QStringList());
+        QVERIFY(QFileInfo::exists(log));
+    }
+
+    void endsEverythingWhenDestroyed_data() {
+        QTest::addColumn<QString>("stage");
+        for (const char* stage : {"recording", "recording with a hanging logger", "recorder ending", "microphone check",
+                                  "analysis", "packaging", "upload", "post"})
+            QTest::newRow(stage) << stage;
+    }
+
+    void endsEverythingWhenDestroyed() {
+        QFETCH(QString, stage);
+        mMachine.reset(stage == "recorder ending" ? "slow" : "");
+        installProgram("/usr/bin/check-mic", "exec sleep 60");
+        installProgram("/usr/local/bin/whine", "exec sleep 60");
+        if (stage == "packaging")
+            replaceProgram("gzip", "head -c 100; exec sleep 60");
+        if (stage == "recording with a hanging logger")
+            QCOMPARE(::mkfifo("/tmp/nvh-rpm.txt", 0600), 0);
+        ScriptedServer server;
+        server.answer("200 OK", "http://store/one.tgz");
+        if (stage == "upload")
+            server.hold();
+        configure("nvh/mes_url", server.url("/vdt/upload"));
+        configure("nvh/sonvara_api", server.url("/vdt/sonvara_files"));
+
+        const int threads = threadCount();
+        auto worker = std::make_unique<WatchedEngine>(*mJournal, stage == "microphone check" ? "Mic Test" : "65 MPH");
+        worker->setSaveOnlyState(stage == "packaging");
+        worker->start();
+        QVERIFY(recorderWrites());
+        if (!stage.startsWith("recording")) {
+            worker->stop();
+            if (stage == "recorder ending") {
+                worker->resultsDone();
+            } else {
+                QVERIFY(waitFor("INFO rename and header fix for  /tmp/recording.wav "));
+                if (stage == "analysis")
+                    worker->startProcessingResults();
+                else if (stage != "microphone check")
+                    worker->resultsDone();
+            }
+        }
+        QString package = worker->package();
+        if (stage == "packaging")
+            QTRY_COMPARE(QFileInfo(package).size(), 100);
+        else if (stage == "upload")
+            QTRY_COMPARE(server.requests().size(), 1);
+        else if (stage == "post") {
+            QTRY_VERIFY(mJournal->has("> packageUploadSuccess"));
+            server.hold();
+            QTRY_COMPARE(server.requests().size(), 2);
+        }
+        QVERIFY(!childPrograms().isEmpty());
+        mJournal->clear();
+        QElapsedTimer clock;
+        clock.start();
+        worker.reset();
+        QVERIFY2(clock.elapsed() < 2600, qPrintable(QString::number(clock.elapsed())));
+        QCOMPARE(childPrograms(), QStringList());
+        QTRY_COMPARE(threadCount(), threads);
+        QCOMPARE(mJournal->withPrefix("> "), QStringList());
+        // An archive is there only if it is complete.
+        QCOMPARE(QFileInfo::exists(package), stage == "upload" || stage == "post");
+        QCOMPARE(QFileInfo::exists("/tmp/nvh-datavalues.txt"), !QFileInfo::exists(package));
+    }
+
+    void reportsFailingRecorder_data() {
+        QTest::addColumn<QByteArray>("mode");
+        QTest::addColumn<QString>("output");
+        QTest::addColumn<QString>("recording");
+        QTest::newRow("no device") << QByteArray("refuse") << "audio open error: No such file or directory\n"
+                                   << "old";
+        QTest::newRow("disk full") << QByteArray("full") << "write error: No space left on device\n"
+                                   << "new";
+        QTest::newRow("crash") << QByteArray("crash") << ""
+                               << "new";
+        QTest::newRow("absent") << QByteArray("absent") << ""
+                                << "old";
+    }
+
+    void reportsFailingRecorder() {
+        QFETCH(QByteArray, mode);
+        QFETCH(QString, output);
+        QFETCH(QString, recording);
+        mMachine.reset(mode);
+        writeFile(kRecording, "old");
+        writeFile(mMachine.kCapture, "left by a run long ago");
+        if (mode == "absent")
+            QVERIFY(QFile::remove("/usr/bin/arecord"));
+        WatchedEngine worker(*mJournal);
+        worker.start();
+        QVERIFY(waitFor("> updateFeedbackLabel Error with arecord\n" + output));
+        QVERIFY(mJournal->has("ERROR Error with arecord " + output + " "));
+        QTRY_VERIFY(childPrograms().isEmpty());
+        QVERIFY(!worker.isRunning());
+        QCOMPARE(mJournal->count("> endRecording"), 1);
+        QTRY_COMPARE(readFile(kRecording) == "old", recording == "old");
+        QCOMPARE(mJournal->withPrefix("INFO processRecording").isEmpty(), recording == "old");
+
+        mMachine.reset();
+        mJournal->clear();
+        worker.start();
+        QVERIFY(recorderWrites());
+        worker.stop();
+        QVERIFY(waitFor("INFO processRecording "));
+        QCOMPARE(mJournal->withPrefix("ERROR"), QStringList());
+    }
+
+    void waitsForEndingRecorder_data() {
+        QTest::addColumn<QString>("request");
+        QTest::addColumn<QByteArray>("ending");
+        QTest::newRow("start") << "start" << QByteArray();
+        QTest::newRow("start, then a crash") << "start" << QByteArray("crash");
+        QTest::newRow("results") << "results" << QByteArray();
+        QTest::newRow("results, then a crash") << "results" << QByteArray("crash");
+        QTest::newRow("discard") << "discard" << QByteArray();
+    }
+
+    void waitsForEndingRecorder() {
+        QFETCH(QString, request);
+        QFETCH(QByteArray, ending);
+        mMachine.reset("slow");
+        WatchedEngine worker(*mJournal);
+        worker.start();
+        QVERIFY(recorderWrites());
+        worker.stop();
+        mJournal->clear();
+        if (request == "start")
+            worker.start();
+        else if (request == "results")
+            worker.resultsDone();
+        else
+            worker.deleteRecordedFiles();
+        QCOMPARE(childPrograms(), QStringList("arecord"));
+        QCOMPARE(mJournal->withPrefix("INFO Results done"), QStringList());
+        QVERIFY(!mJournal->has("> startUpdating"));
+        writeFile("/tmp/recorder-may-end", ending);
+
+        if (request == "start") {
+            QVERIFY(waitFor("> startUpdating"));
+            QVERIFY(worker.isRunning());
+            QVERIFY(!mJournal->has("> endRecording"));
+            QVERIFY(recorderWrites());
+            QVERIFY(QFileInfo(kRecording).size() > 20000);
+            QCOMPARE(childPrograms(), QStringList("arecord"));
+        } else if (request == "results") {
+            QVERIFY(waitFor("> fileSaved"));
+            QVERIFY(archiveMember(worker.package(), "tmp/recording.wav").size() > 20000);
+            QCOMPARE(mJournal->count("> finished"), 1);
+        } else {
+            QVERIFY(waitFor("INFO arecord: Aborted by signal Terminated...\n "));
+            QVERIFY(!QFileInfo::exists(kRecording));
+            QVERIFY(!QFileInfo::exists(mMachine.kCapture));
+        }
+    }
+
+    void packsLastRunBeforeNextOneStarts_data() {
+        QTest::addColumn<QString>("testType");
+        QTest::newRow("while its recorder ends") << "65 MPH";
+        QTest::newRow("while its microphones are checked") << "Mic Test";
+    }
+
+    void packsLastRunBeforeNextOneStarts() {
+        QFETCH(QString, testType);
+        const bool micTest = testType == "Mic Test";
+        mMachine.reset(micTest ? "" : "slow");
+        installProgram("/usr/bin/check-mic", "while [ ! -e /tmp/recorder-may-end ]; do sleep 0.01; done; echo PASS");
+        WatchedEngine worker(*mJournal, testType);
+        worker.start();
+        QVERIFY(recorderWrites());
+        setValue("VAPI_motorRPM", 1000.0);
+        worker.stop();
+        if (micTest)
+            QTRY_COMPARE(childPrograms(), QStringList("check-mic"));
+        worker.resultsDone();
+        worker.start();
+        writeFile("/tmp/recorder-may-end", QByteArray());
+        QVERIFY(waitFor("> fileSaved"));
+        const QString package = worker.package();
+        QVERIFY(archiveMember(package, "tmp/recording.wav").size() > 20000);
+        QVERIFY(archiveMember(package, "tmp/nvh-rpm.txt").endsWith(", 1000\n"));
+        QCOMPARE(archiveMembers(package).contains("tmp/nvh-micCheck.txt"), micTest);
+
+        QVERIFY(recorderWrites());
+        setValue("VAPI_motorRPM", 2000.0);
+        worker.stop();
+        QVERIFY(readFile("/tmp/nvh-rpm.txt").endsWith(", 2000\n"));
+    }
+
+    void startsOnceAfterPackaging() {
+        replaceProgram("gzip", "cat; while [ ! -e /tmp/recorder-may-end ]; do sleep 0.01; done");
+        writeFile(kRecording, "packed now");
+        WatchedEngine worker(*mJournal);
+        worker.resultsDone();
+        worker.start();
+        worker.stop();
+        worker.start();
+        QVERIFY(worker.isRunning());
+        QVERIFY(!mJournal->has("> startUpdating"));
+        writeFile("/tmp/recorder-may-end", QByteArray());
+        QVERIFY(waitFor("> startUpdating"));
+        QVERIFY(recorderWrites());
+        QCOMPARE(mJournal->count("INFO initValueLoggerThreads "), 1);
+        QCOMPARE(childPrograms(), QStringList("arecord"));
+    }
+};
+
+QTEST_GUILESS_MAIN(TestTestRun)
+#include "tst_testrun.moc"

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "tests/support/Journal.h"
+#include "tests/support/PrivateMachine.h"
+
+#include <QFileInfo>
+#include <QTest>
+
+#include <memory>
+
+// A test of the recorder: for each test function the machine is as at the start, and the journal is empty.
+class MachineTest : public QObject {
+    Q_OBJECT
+
+protected:
+    bool waitFor(const QString& entry) const {
+        return QTest::qWaitFor([this, &entry] { return mJournal->has(entry); }, 10000);
+    }
+    // Some tens of milliseconds of sound.
+    bool recorderWrites() const {
+        return QTest::qWaitFor([] { return QFileInfo(PrivateMachine::kCapture).size() > 20000; });
+    }
+
+    PrivateMachine mMachine;
+    std::unique_ptr<Journal> mJournal;
+
+private slots:
+    void init() {
+        mMachine.reset();
+        mJournal = std::make_unique<Journal>();
+    }
+    void cleanup() { mJournal.reset(); }
+};
