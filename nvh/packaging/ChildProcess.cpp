@@ -27,3 +27,8 @@ bool hasSucceeded(const QProcess* process) {
     return process->error() == QProcess::UnknownError && process->exitStatus() == QProcess::NormalExit &&
            process->exitCode() == 0;
 }
+
+bool wasCutOff(const QProcess* curl) {
+    constexpr int partialFile = 18;  // by curl's manual
+    return curl->exitStatus() == QProcess::NormalExit && curl->exitCode() == partialFile;
+}

@@ -18,3 +18,6 @@ bool isActive(const QProcess* process);
 
 // True for a process that has ended as it should: started, not crashed, exit status 0.
 bool hasSucceeded(const QProcess* process);
+
+// True for a curl whose answer ended before it was complete: what has arrived of it proves nothing.
+bool wasCutOff(const QProcess* curl);

@@ -58,7 +58,7 @@ void NvhPackageManager::parseMetaPostResponse() {
     const QString text = QString::fromUtf8(response);
     Logger(this, "INFO") << "Sonvara API: " << text;
     mPosting = false;
-    if (!response.contains("HTTP/1.1 201")) {
+    if (!response.contains("HTTP/1.1 201") || wasCutOff(mUploadMetadataProcess)) {
         Logger(this, "INFO") << "Metadata Upload Failed...!";
         ++mUploadFailCount;
         emit metadataUploadFailure();

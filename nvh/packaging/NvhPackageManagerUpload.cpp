@@ -55,7 +55,7 @@ void NvhPackageManager::parsePackageUploadResponse() {
     const QByteArray response = mUploadPackageProcess->readAllStandardOutput();
     const QString text = QString::fromUtf8(response);
     const auto urlAt = response.indexOf("http://");
-    if (response.contains("HTTP/1.1 200 OK") && urlAt >= 0) {
+    if (response.contains("HTTP/1.1 200 OK") && urlAt >= 0 && !wasCutOff(mUploadPackageProcess)) {
         Logger(this, "INFO") << "parsePackageUploadResponse"
                              << "Upload Success!" << text;
         emit packageUploadSuccess();
