@@ -12,6 +12,13 @@
 class MachineTest : public QObject {
     Q_OBJECT
 
+protected slots:
+    void init() {
+        mMachine.reset();
+        mJournal = std::make_unique<Journal>();
+    }
+    void cleanup() { mJournal.reset(); }
+
 protected:
     bool waitFor(const QString& entry) const {
         return QTest::qWaitFor([this, &entry] { return mJournal->has(entry); }, 10000);
@@ -23,11 +30,4 @@ protected:
 
     PrivateMachine mMachine;
     std::unique_ptr<Journal> mJournal;
-
-private slots:
-    void init() {
-        mMachine.reset();
-        mJournal = std::make_unique<Journal>();
-    }
-    void cleanup() { mJournal.reset(); }
 };

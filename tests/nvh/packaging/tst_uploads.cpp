@@ -1,0 +1,265 @@
+// Uploading packages and registering them, against a server that answers as it is told.
+
+#include "nvh/packaging/NvhPackageManager.h"
+#include "tests/support/MachineTest.h"
+#include "tests/support/ScriptedServer.h"
+
+namespace {
+
+// Line feeds alone, since carriage returns would not show where a comparison fails.
+const QByteArray kStored = "HTTP/1.1 200 OK\n\nhttp://store/one.tgz and more";
+const QByteArray kPosted = "HTTP/1.1 201 Created\n\n{\"VDT Feedback\": \"Well driven\"}";
+
+QString packagePath(int number) {
+    return QStringLiteral("/tmp/TEST1VEHICLE00001-%1.tgz").arg(number);
+}
+
+}  // namespace
+
+class TestUploads : public MachineTest {
+    Q_OBJECT
+
+private slots:
+    void init() {
+        MachineTest::init();
+        mServer = std::make_unique<ScriptedServer>();
+        configure("nvh/mes_url", mServer->url("/vdt/upload"));
+        configure("nvh/sonvara_api", mServer->url("/vdt/sonvara_files"));
+        mManager = std::make_unique<NvhPackageManager>();
+        mJournal->watch(mManager.get());
+        // Asked again but once when the server says that it is at fault.
+        writeFile("/tmp/capture/.curlrc", "retry-max-time = 1\n");
+        qputenv("CURL_HOME", "/tmp/capture");
+    }
+    void cleanup() {
+        mManager.reset();
+        MachineTest::cleanup();
+    }
+
+    void uploadsAndPosts() {
+        answer({kStored, kPosted});
+        const QString package = savePackage(1);
+        upload(package);
+        QVERIFY(waitFor("> updateFeedbackLabel Well driven"));
+        const QString payload = "{\"url\":\"http://store/one.tgz and more\"}";
+        const QString uploadCommand =
+            "curl -i -X POST --retry 3 --connect-timeout 10 -m 60 -H \"Content-Type: "
+            "multipart/form-data\" -F \"data=@%1\" %2 ";
+        const QString postCommand =
+            "curl [-i, -X, POST, --retry, 3, --connect-timeout, 10, -m, 20, -H, Content-Type: "
+            "application/json, -d, %1, %2] ";
+        QCOMPARE(mJournal->entries(),
+                 QStringList({"> packageUploadStart", "INFO Uploading: " + package + " 1e-05 MB ",
+                              "INFO Executing: " + uploadCommand.arg(package, mServer->url("/vdt/upload")),
+                              "INFO parsePackageUploadResponse Upload Success! " + kStored + " ",
+                              "> packageUploadSuccess", "INFO Adding File Metadata to Sonvara API... ",
+                              "INFO Payload: " + payload + " ", "> metadataUploadStart",
+                              "INFO Exec: " + postCommand.arg(payload, mServer->url("/vdt/sonvara_files")),
+                              "INFO Sonvara API:  " + kPosted + " ", "INFO Metadata Posted! ", "INFO Well driven ",
+                              "> metadataUploadSuccess", "> updateFeedbackLabel Well driven"}));
+        QVERIFY(!QFileInfo::exists(package));
+        QCOMPARE(mManager->getUploadSuccessCount(), 1);
+        const QByteArray stored = mServer->requests().value(0);
+        QVERIFY(stored.startsWith("POST /vdt/upload HTTP/1.1\r\n"));
+        QVERIFY(stored.contains("name=\"data\"; filename=\"TEST1VEHICLE00001-1.tgz\""));
+        QVERIFY(stored.contains("\r\n\r\npackage 1\n\r\n"));
+        QVERIFY(mServer->requests().value(1).contains("\r\nContent-Type: application/json\r\n"));
+        QVERIFY(mServer->requests().value(1).endsWith("\r\n\r\n" + payload.toUtf8()));
+    }
+
+    void judgesUploads_data() {
+        QTest::addColumn<QByteArray>("response");
+        QTest::addColumn<bool>("stored");
+        QTest::newRow("after an interim answer") << "HTTP/1.1 100 Continue\n\n" + kStored << true;
+        QTest::newRow("without a URL") << QByteArray("HTTP/1.1 200 OK\n\nhttps://store/one.tgz") << false;
+        QTest::newRow("another status") << QByteArray("HTTP/1.1 201 Created\n\nhttp://store/one.tgz") << false;
+        QTest::newRow("server at fault") << QByteArray("HTTP/1.1 500 Oh\n\nhttp://store/one.tgz") << false;
+        QTest::newRow("cut before the URL") << QByteArray("HTTP/1.1 200 OK\nContent-Length: 20\n\nhtt") << false;
+        QTest::newRow("cut in the URL") << QByteArray("HTTP/1.1 200 OK\nContent-Length: 20\n\nhttp://s") << false;
+        QTest::newRow("no answer") << QByteArray() << false;
+        QTest::newRow("refused") << QByteArray("refused") << false;
+    }
+
+    void judgesUploads() {
+        QFETCH(QByteArray, response);
+        QFETCH(bool, stored);
+        if (response == "refused")
+            mServer->refuse();
+        else
+            answer({response, response});
+        const QString package = savePackage(1);
+        upload(package);
+        QVERIFY(waitFor(stored ? "> metadataUploadStart" : "> packageUploadFailure"));
+        QCOMPARE(mJournal->count("> packageUploadSuccess"), stored ? 1 : 0);
+        if (stored)
+            return;
+        QVERIFY(mJournal->withPrefix("INFO parsePackageUploadResponse Upload Failed! ").size() == 1);
+        const QStringList signalled = mJournal->withPrefix("> ");
+        QCOMPARE(signalled.size(), 4);
+        QCOMPARE(signalled[0], "> packageUploadStart");
+        QVERIFY(signalled[1].startsWith("> updateFeedbackLabel Package upload failed\n"));
+        QVERIFY(signalled[1].endsWith(QString(response == "refused" ? "\n" : response)));
+        QCOMPARE(signalled.mid(2), QStringList({"> packageUploadFailure", "> packageManagerFailure"}));
+        QCOMPARE(mManager->getUploadFailCount(), 1);
+        QCOMPARE(readFile(package), QByteArray("package 1\n"));
+    }
+
+    void judgesPosts_data() {
+        QTest::addColumn<QByteArray>("response");
+        QTest::addColumn<QString>("feedback");
+        const QString none = "No live feedback available.";
+        QTest::newRow("blanks") << QByteArray("HTTP/1.1 201 Made\n\n{\"VDT Feedback\": \" \\n \"}") << none;
+        QTest::newRow("between blanks") << QByteArray("HTTP/1.1 201\n\n{\"VDT Feedback\": \" good \"}") << " good ";
+        QTest::newRow("umlaut") << QByteArray("HTTP/1.1 201\n\n{\"VDT Feedback\": \"g\\u00f6ö\"}") << "göö";
+        QTest::newRow("another member") << QByteArray("HTTP/1.1 201 Created\n\n{\"Feedback\": \"x\"}") << none;
+        QTest::newRow("no JSON") << QByteArray("HTTP/1.1 201 Created\n\n{VDT Feedback") << none;
+        QTest::newRow("200") << QByteArray("HTTP/1.1 200 OK\n\n{\"VDT Feedback\": \"x\"}") << QString();
+        QTest::newRow("cut") << QByteArray("HTTP/1.1 201 Created\nContent-Length: 99\n\n{\"VDT F") << QString();
+        QTest::newRow("no answer") << QByteArray() << QString();
+    }
+
+    void judgesPosts() {
+        QFETCH(QByteArray, response);
+        QFETCH(QString, feedback);
+        const bool posted = !feedback.isEmpty();
+        answer({kStored, response});
+        const QString package = savePackage(1);
+        upload(package);
+        QTRY_COMPARE(mJournal->withPrefix("> ").size(), 5);
+        const QStringList signalled = mJournal->withPrefix("> ").mid(3);
+        QCOMPARE(signalled[0], posted ? "> metadataUploadSuccess" : "> metadataUploadFailure");
+        QVERIFY(signalled[1].startsWith("> updateFeedbackLabel " +
+                                        (posted ? feedback : "Error uploading package to Sonvara API\n" + response)));
+        QCOMPARE(mManager->getUploadSuccessCount(), posted ? 1 : 0);
+        QCOMPARE(mManager->getUploadFailCount(), posted ? 0 : 1);
+        QCOMPARE(QFileInfo::exists(package), !posted);
+    }
+
+    void reportsAbsentCurl_data() {
+        QTest::addColumn<bool>("forPost");
+        QTest::newRow("upload") << false;
+        QTest::newRow("post") << true;
+    }
+
+    void reportsAbsentCurl() {
+        QFETCH(bool, forPost);
+        if (forPost)
+            connect(mManager.get(), &NvhPackageManager::packageUploadSuccess, [] { hideProgram("curl"); });
+        else
+            hideProgram("curl");
+        answer({kStored});
+        upload(savePackage(1));
+        upload(savePackage(2));
+        QVERIFY(waitFor(forPost ? "ERROR POST METADATA FAILED! " : "ERROR PACKAGE UPLOAD FAILED! "));
+        // The one that waited has its turn as well.
+        QTRY_COMPARE(mJournal->count("> packageUploadStart"), 2);
+        QTRY_VERIFY(mManager->isIdle());
+        QCOMPARE(mManager->countSavedFiles(), 2);
+    }
+
+    // Each process of either kind adds one more report of every later failure.
+    void reportsFailuresOncePerProcess() {
+        for (int number : {1, 2}) {
+            answer({kStored, kPosted});
+            upload(savePackage(number));
+            QTRY_COMPARE(mManager->getUploadSuccessCount(), number);
+        }
+        mJournal->clear();
+        upload("/tmp/absent.tgz");
+        QCOMPARE(mJournal->entries().mid(0, 2),
+                 QStringList({"ERROR Package Name Mismatch! ", "> packageUploadFailure"}));
+        QCOMPARE(mJournal->count("ERROR PACKAGE UPLOAD FAILED! "), 2);
+        QCOMPARE(mJournal->count("ERROR POST METADATA FAILED! "), 2);
+        QCOMPARE(mJournal->count("> packageManagerFailure"), 4);
+    }
+
+    void deletesWhatItPostedAndLetsOthersWait() {
+        answer({kStored});
+        upload(savePackage(1));
+        QVERIFY(waitFor("> metadataUploadStart"));
+        mServer->hold();
+        // Meanwhile another package is built, and is to be uploaded.
+        build(2);
+        QTRY_VERIFY(!mManager->isPackaging());
+        QTRY_COMPARE(mServer->requests().size(), 2);
+        QVERIFY(QFileInfo::exists(packagePath(1)) && QFileInfo::exists(packagePath(2)));
+        answer({kPosted, kStored, kPosted});
+        mServer->release();
+        QTRY_VERIFY(!QFileInfo::exists(packagePath(1)));
+        QVERIFY(QFileInfo::exists(packagePath(2)));
+        QTRY_VERIFY(!QFileInfo::exists(packagePath(2)));
+        QVERIFY(mServer->requests().value(2).contains("filename=\"TEST1VEHICLE00001-2.tgz\""));
+    }
+
+    void uploadsWhatIsPackedWhileQueueRuns() {
+        savePackage(1);
+        savePackage(2);
+        answer({kStored, kPosted, kStored, kPosted, kStored, kPosted});
+        replaceProgram("gzip", "/bin/gzip; while [ ! -e /tmp/recorder-may-end ]; do sleep 0.01; done");
+        build(3);
+        mManager->uploadAllSavedPackages();
+        QTRY_VERIFY(!QFileInfo::exists(packagePath(2)));
+        writeFile("/tmp/recorder-may-end", QByteArray());
+        QTRY_VERIFY(!QFileInfo::exists(packagePath(3)));
+        QCOMPARE(mJournal->withPrefix("ERROR"), QStringList());
+    }
+
+    void uploadsQueueInOrder() {
+        mManager->uploadAllSavedPackages();
+        QCOMPARE(mJournal->entries(), QStringList("INFO Found Packages: [] "));
+        writeFile("/tmp/OTHER1VEHICLE0002-1.tgz", "another vehicle's");
+        const QStringList found = {savePackage(3), savePackage(1), savePackage(2)};
+        mManager->setSaveOnlyState(true);
+        upload(found[0]);
+        QCOMPARE(mJournal->entries().mid(1), QStringList({"INFO Skipping Upload..! ", "> fileSaved"}));
+        // The second one fails: the chain ends, nothing is lost.
+        answer({kStored, kPosted, "HTTP/1.1 403 No\n\n"});
+        mManager->uploadAllSavedPackages();
+        QVERIFY(
+            mJournal->has("INFO Found Packages: [" + QStringList({found[1], found[2], found[0]}).join(", ") + "] "));
+        QVERIFY(waitFor("> packageUploadFailure"));
+        QCOMPARE(mManager->countSavedFiles(), 2);
+        QVERIFY(mJournal->has("INFO Saved Files: 2 "));
+        QTRY_VERIFY(mManager->isIdle());
+        QCOMPARE(uploaded(), "12");
+
+        answer({kStored, kPosted, kStored, kPosted});
+        mManager->uploadAllSavedPackages();
+        QVERIFY(waitFor("INFO All Files Uploaded! "));
+        QCOMPARE(uploaded(), "1223");
+        QCOMPARE(mJournal->count("INFO trying to uploading other files "), 4);
+        QVERIFY(QFileInfo::exists("/tmp/OTHER1VEHICLE0002-1.tgz"));
+    }
+
+private:
+    static QString savePackage(int number) {
+        writeFile(packagePath(number), "package " + QByteArray::number(number) + "\n");
+        return packagePath(number);
+    }
+    void build(int number) {
+        QString package = packagePath(number);
+        QStringList files = {"/tmp/notes.wav"};
+        writeFile(files[0], "notes");
+        mManager->startPackageManagerProcess(package, files);
+    }
+    void upload(QString package) { mManager->startUploadingPackage(package); }
+    void answer(const QByteArrayList& responses) {
+        for (const QByteArray& response : responses)
+            mServer->answer(response);
+    }
+    // The numbers of the packages in the order in which they came in.
+    QString uploaded() const {
+        QByteArray numbers;
+        for (const QByteArray& request : mServer->requests()) {
+            if (request.startsWith("POST /vdt/upload"))
+                numbers += request.mid(request.indexOf("package ") + 8, 1);
+        }
+        return numbers;
+    }
+
+    std::unique_ptr<ScriptedServer> mServer;
+    std::unique_ptr<NvhPackageManager> mManager;
+};
+
+QTEST_GUILESS_MAIN(TestUploads)
+#include "tst_uploads.moc"
