@@ -18,7 +18,9 @@ QRect SwitchControl::itemPlace(int position) const {
 
 void SwitchControl::resizeEvent(QResizeEvent* event) {
     ControlBase::resizeEvent(event);
-    mSlider->resize(width(), height());
+    const QRect place = contentsRect();
+    mSlider->move(place.left(), place.top());
+    mSlider->resize(place.width(), place.height());
 }
 
 void SwitchControl::chosen() {

@@ -4,7 +4,7 @@
 //
 // positionChanged() goes out once when the user has chosen another item, by a tap on it or by dragging the thumb;
 // setPosition() and Slider::setValue() without notify move the thumb silently. The thumb slides in 120 ms, position()
-// is the new one at once. A new switch is at position 0.
+// is the new one at once. A new switch is at position 0. Contents margins that are set before the size stay blank.
 
 #include <HelixDash/views/ControlBase.h>
 #include <HelixDash/views/Slider.h>
