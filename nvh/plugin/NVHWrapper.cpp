@@ -4,6 +4,14 @@
 #include <HelixDash/views/LabelView.h>
 #include <HelixDash/views/SlideSwitch.h>
 
+namespace {
+
+// The switch reaches to the title area's edges; what is seen of it begins where the left column does.
+constexpr int kSwitchLeft = 25;
+constexpr int kSwitchRoom = 4;
+
+}  // namespace
+
 NVHWrapper::NVHWrapper(DisplayView* parent, AppInfo* info) : DisplayView(parent), mParent(parent), mInfo(info) {
     DisplayImage::addSearchPath(info->directory);
     resize(mParent->width(), mParent->height());
@@ -28,6 +36,8 @@ void NVHWrapper::fillTitleArea() {
     mModeSwitch =
         new SlideSwitch(area, {appModeToStr(AppModeNvh), appModeToStr(AppModeVdt), appModeToStr(AppModeService)});
     mModeSwitch->setViewName("mModeSwitch");
+    mModeSwitch->setContentsMargins(kSwitchLeft, kSwitchRoom, 0, kSwitchRoom);
+    mModeSwitch->resize(mModeSwitch->width() + kSwitchLeft, area->height());
     mModeSwitch->setLeft(0);
     mModeSwitch->setBottom(area->height());
 }

@@ -10,7 +10,8 @@ namespace {
 constexpr int kMargin = 20;
 constexpr int kStatusWidth = 130;
 constexpr int kFontSize = 28;
-const char* const kStyle = "Alignment:wordwrap|center";
+const char* const kNameStyle = "Alignment:wordwrap|center";
+const char* const kStatusStyle = "Alignment:wordwrap|center; Weight:semibold";
 
 const QString kOk = QStringLiteral("OK");
 const QString kNotOk = QStringLiteral("NOT OK");
@@ -31,10 +32,10 @@ vsmTableCell::vsmTableCell(TableView* table, QString const& key, int row, QStrin
       mDataValues(std::move(dataValues)),
       mOverrideDataValues(std::move(overrideDataValues)),
       mRow(row) {
-    mNameLabel->setStyle(kStyle);
+    mNameLabel->setStyle(kNameStyle);
     mNameLabel->setSkinColor("black");
     mNameLabel->setFontSize(kFontSize);
-    mStatusLabel->setStyle(kStyle);
+    mStatusLabel->setStyle(kStatusStyle);
     mStatusLabel->setSkinColor("red");
     mStatusLabel->setFontSize(kFontSize);
     updateVSMTableCell();

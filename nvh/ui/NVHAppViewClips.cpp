@@ -16,6 +16,8 @@ constexpr int kReminderMs = 2000;
 
 void NVHAppView::ambientNoiseButtonReleased() {
     logSlot(__func__);
+    if (!mAmbientButton)
+        return;
     disconnect(mAmbientButton, &ControlBase::released, this, &NVHAppView::ambientNoiseButtonReleased);
     disableAllInteractions();
     mAmbientButton->enable(true);  // for its look; it is not connected
@@ -26,6 +28,8 @@ void NVHAppView::ambientNoiseButtonReleased() {
 
 void NVHAppView::stopAmbientNoiseRecording() {
     logSlot(__func__);
+    if (!mAmbientButton)
+        return;
     endClip(RecordingAmbient);
     mAmbientSpinner->show(false);
     connect(mAmbientButton, &ControlBase::released, this, &NVHAppView::ambientNoiseButtonReleased,
@@ -36,10 +40,13 @@ void NVHAppView::stopAmbientNoiseRecording() {
 
 void NVHAppView::notesRecordButtonReleased() {
     logSlot(__func__);
+    if (!mNotesButton)
+        return;
     disconnect(mNotesButton, &ControlBase::released, this, &NVHAppView::notesRecordButtonReleased);
     disableAllInteractions();
     showClip(mNotesButton, "Speak Now!", mNotesSpinner);
     mNotesTimer.setSingleShot(true);
+    mNotesTimer.setTimerType(Qt::PreciseTimer);
     connect(&mNotesTimer, &QTimer::timeout, this, &NVHAppView::stopNotesRecording, Qt::UniqueConnection);
     mReminderTimer.start(kReminderMs, this, &NVHAppView::remindUserToStopNotes);
     mNotesTimer.start(kNotesMs);
@@ -49,12 +56,16 @@ void NVHAppView::notesRecordButtonReleased() {
 // Until now a tap does nothing, so that the one that started the note cannot end it.
 void NVHAppView::remindUserToStopNotes() {
     logSlot(__func__);
+    if (!mNotesButton)
+        return;
     mNotesButton->setLabel(QStringLiteral("Tap when done!"));
     connect(mNotesButton, &ControlBase::released, this, &NVHAppView::stopNotesRecording, Qt::UniqueConnection);
 }
 
 void NVHAppView::stopNotesRecording() {
     logSlot(__func__);
+    if (!mNotesButton)
+        return;
     mNotesTimer.stop();
     mReminderTimer.stop();
     disconnect(&mNotesTimer, &QTimer::timeout, this, &NVHAppView::stopNotesRecording);

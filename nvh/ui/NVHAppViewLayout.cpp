@@ -35,6 +35,8 @@ constexpr int kFeedbackPx = 25;
 constexpr int kCentreLeft = 360;
 constexpr int kCentreWidth = 470;
 constexpr int kCentrePitch = 150;  // from one button of the centre row to the next
+constexpr int kCentreGap = 8;      // between their frames
+constexpr int kOnOffWidth = 116;
 constexpr int kTitleTop = 15;
 // The upload-status text ends where the centre column does.
 constexpr int kUploadStatusWidth = 265;
@@ -194,7 +196,7 @@ const NVHAppView::Layout::Row NVHAppView::Layout::kRows[] = {
     {.name = "mStatusLabel",
      .make = label<&NVHAppView::mStatusLabel>,
      .text = "Waiting",
-     .style = kLabel,
+     .style = kCaption,
      .x = 445,
      .y = 130},
     {.name = "mUploadStatusLabel",
@@ -227,7 +229,8 @@ const NVHAppView::Layout::Row NVHAppView::Layout::kRows[] = {
      .text = "RPM: ",
      .style = kLabel,
      .x = 600,
-     .y = 165},
+     .y = 165,
+     .height = 40},
     {.name = "mRpmLabel", .make = label<&NVHAppView::mRpmLabel>, .style = kLabel, .x = 670, .y = 165},
     {.name = "mCanAlertLabel",
      .make = label<&NVHAppView::mCanAlertLabel>,
@@ -300,12 +303,12 @@ const NVHAppView::Layout::Row NVHAppView::Layout::kRows[] = {
      .x = 200,
      .y = 25,
      .boundTo = "STW_leftScroll"},
-    {.name = "mBrakeSwitch", .make = onOffSwitch<&NVHAppView::mBrakeSwitch>, .items = kOffOn},
+    {.name = "mBrakeSwitch", .make = onOffSwitch<&NVHAppView::mBrakeSwitch>, .items = kOffOn, .width = kOnOffWidth},
     {.name = "mBrakeCaption",
      .make = label<&NVHAppView::mBrakeCaption>,
      .text = "Braking Stops\nRecording",
      .style = kCaption},
-    {.name = "mStwSwitch", .make = onOffSwitch<&NVHAppView::mStwSwitch>, .items = kOffOn},
+    {.name = "mStwSwitch", .make = onOffSwitch<&NVHAppView::mStwSwitch>, .items = kOffOn, .width = kOnOffWidth},
     {.name = "mStwCaption",
      .make = label<&NVHAppView::mStwCaption>,
      .text = "Steering Wheel\nControls",
@@ -373,7 +376,11 @@ const NVHAppView::Layout::Row NVHAppView::Layout::kRows[] = {
      .text = "Automatic \nAudio/HVAC Off",
      .style = kCaption,
      .isShown = false},
-    {.name = "mVsmSwitch", .make = onOffSwitch<&NVHAppView::mVsmSwitch>, .items = kOffOn, .isShown = false},
+    {.name = "mVsmSwitch",
+     .make = onOffSwitch<&NVHAppView::mVsmSwitch>,
+     .items = kOffOn,
+     .width = kOnOffWidth,
+     .isShown = false},
     {.name = "mFeedbackTitle",
      .make = label<&NVHAppView::mFeedbackTitle>,
      .text = "Orvanta Feedback",
@@ -434,6 +441,10 @@ void NVHAppView::LayoutCentreButtons() {
     const int below = mFreqResCaption->isVisible() ? mMicChannelCaption->top() : mVsmCaption->top();
     int left = kCentreLeft;
     for (ButtonView* button : {mUploadButton, mSaveButton, mDiscardButton}) {
+        const bool last = button == mDiscardButton;
+        const int frame =
+            last ? kCentreLeft + kCentreWidth - left - 2 * ButtonView::kFrameMargin : kCentrePitch - kCentreGap;
+        button->setWidth(frame + 2 * ButtonView::kFrameMargin);
         button->setBottom(below);
         button->setLeft(left);
         left += kCentrePitch;

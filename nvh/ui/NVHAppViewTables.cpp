@@ -23,6 +23,8 @@
 namespace {
 
 constexpr int kTableButtonHeight = 70;
+// Both texts in one size.
+const char* const kTableButtonStyle = "SettingsPushButton; FontSize:19";
 // Two buttons below the list stand frame to frame.
 constexpr int kTableButtonOverlap = 5;
 
@@ -67,6 +69,8 @@ void NVHAppView::vsmControlsToggledByUser() {
 
 void NVHAppView::downloadVdtStatic() {
     logSlot(__func__);
+    if (!mVdtCaption)
+        return;
     const QString command =
         QStringLiteral("curl -i -Ss --retry 3 --retry-max-time 15 --connect-timeout 2 --max-time 4 %1")
             .arg(cVdtStaticURL.value());
@@ -128,6 +132,7 @@ void NVHAppView::showVdtTests(const QVariantMap& tests) {
         return;
     const int width = mVdtTable->width() / 2 + kTableButtonOverlap;
     for (ButtonView* button : {mReloadVdtButton, mClearFeedbackButton}) {
+        button->setStyle(kTableButtonStyle);
         button->resize(width, kTableButtonHeight);
         button->setTop(mVdtTable->bottom());
         button->show(true);
