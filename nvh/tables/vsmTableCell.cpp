@@ -37,7 +37,6 @@ vsmTableCell::vsmTableCell(TableView* table, QString const& key, int row, QStrin
     mNameLabel->setFontSize(kFontSize);
     mStatusLabel->setStyle(kStatusStyle);
     mStatusLabel->setViewName(QStringLiteral("mVsmStatus%1").arg(row));
-    mStatusLabel->setStyle(kStyle);
     mStatusLabel->setSkinColor("red");
     mStatusLabel->setFontSize(kFontSize);
     updateVSMTableCell();
