@@ -1,6 +1,9 @@
 #pragma once
 
+#include "bench/measuring/LoopWatch.h"
 #include "bench/measuring/Report.h"
+
+#include <QCoreApplication>
 
 // Packing 60 s of recording through the package manager against the bare shell pipeline.
 Measurement packingMeasurement();
@@ -9,7 +12,7 @@ Measurement packingMeasurement();
 Measurement loggerMeasurement();
 
 // The longest time that the UI thread was away from its event loop in a test run on the bench, outside stop().
-Measurement testRunMeasurement();
+Measurement testRunMeasurement(LoopWatch<QCoreApplication>& watch);
 
 // The analysis of 60 s of recording at FFT size 8192 against a spectrogram by sox.
 Measurement whineMeasurement();

@@ -19,9 +19,9 @@ int refuse(const QString& reason) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    QCoreApplication application(argc, argv);
-    const std::vector<Measurement> measurements = {packingMeasurement(), loggerMeasurement(), testRunMeasurement(),
-                                                   whineMeasurement()};
+    LoopWatch<QCoreApplication> application(argc, argv);
+    const std::vector<Measurement> measurements = {packingMeasurement(), loggerMeasurement(),
+                                                   testRunMeasurement(application), whineMeasurement()};
     QStringList names;
     for (const Measurement& measurement : measurements)
         names.append(measurement.name);

@@ -124,7 +124,7 @@ check() {
             saved 35MPH
             holds /tmp recording.wav ambient.wav notes.wav "${run_files[@]:1}" nvh-vdtStatic.txt
             lasts recording.wav 8 19
-            lasts notes.wav 20 32
+            lasts notes.wav 15 32
             lasts ambient.wav 32 40
             ;;
         note-untapped) saved ;;

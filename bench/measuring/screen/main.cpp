@@ -133,8 +133,8 @@ bool waitForLabel(const RecorderScreen& recorder, const char* name, const QStrin
     return loop.exec() == 0;
 }
 
-std::vector<Figure> measureSession(RecorderScreen& recorder, QString& error) {
-    LoopWatch watch;
+std::vector<Figure> measureSession(RecorderScreen& recorder, LoopWatch<QApplication>& watch, QString& error) {
+    watch.forget();
     struct Step {
         const char* slot;
         const char* label;
@@ -179,7 +179,7 @@ int main(int argc, char** argv) {
     // Qt would take --plugin for an option of its own.
     const QStringList arguments(argv, argv + argc);
     int ownName = 1;
-    QApplication application(ownName, argv);
+    LoopWatch<QApplication> application(ownName, argv);
     QCommandLineParser parser;
     HostOptions::addTo(parser);
     parser.addHelpOption();
@@ -205,7 +205,7 @@ int main(int argc, char** argv) {
     recorder.showFirstFrame();
     figures.push_back(measureModeChanges(recorder));
     services.startTrace();
-    for (const Figure& figure : measureSession(recorder, error))
+    for (const Figure& figure : measureSession(recorder, application, error))
         figures.push_back(figure);
     bool allWell = error.isEmpty();
     for (const Figure& figure : figures) {
