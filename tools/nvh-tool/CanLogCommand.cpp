@@ -113,7 +113,7 @@ private:
 
     void showProgress() {
         say(QStringLiteral("%1 s, %2 frames, %3 1/min")
-                .arg(mClock.elapsed() / 1000)
+                .arg(qRound(double(mClock.elapsed()) / 1000.0))
                 .arg(mClient.framesLogged())
                 .arg(mClient.lastMotorRPM()));
     }

@@ -171,6 +171,12 @@ private slots:
         QCOMPARE(mLog.filter("INFO ACK Received! ").size(), accepted ? 1 : 0);
     }
 
+    void wantsAWholeAcknowledgement() {
+        const char ack[] = "\0\0\x02\x0b\1\2\0";
+        QCOMPARE(canEth::decodeAcknowledgement(std::as_bytes(std::span(ack, 8))), canEth::Forwarding({1, 2, 0}));
+        QVERIFY(!canEth::decodeAcknowledgement(std::as_bytes(std::span(ack, 7))));
+    }
+
     void logsFrames_data() {
         QTest::addColumn<Datagrams>("datagrams");
         QTest::addColumn<QByteArray>("lines");
