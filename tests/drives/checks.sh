@@ -14,9 +14,9 @@ equal() {
     [[ $2 == "$3" ]] || fail "$1: expected \"$2\", found \"$3\""
 }
 
-# fault ENDPOINT FAULT: of the server, once.
+# fault ENDPOINT FAULT TIMES: of the server.
 fault() {
-    curl -fsS -d "{\"endpoint\": \"$1\", \"fault\": \"$2\", \"times\": 1}" "$NVH_BENCH_URL/bench/fault" >/dev/null
+    curl -fsS -d "{\"endpoint\": \"$1\", \"fault\": \"$2\", \"times\": $3}" "$NVH_BENCH_URL/bench/fault" >/dev/null
 }
 
 # packages DIRECTORY [TAG…]: one package of each tag lies there, in the order of the tags' names, and nothing else.
@@ -60,10 +60,10 @@ with_real_recorder() {
 
 prepare() {
     case $drive in
-        failed-upload) fault upload refuse ;;
-        failed-post) fault sonvara_files refuse ;;
-        mode-in-upload) fault upload delay:2000 ;;
-        mode-in-download) fault static delay:2000 ;;
+        failed-upload) fault upload refuse 1 ;;
+        failed-post) fault sonvara_files refuse 1 ;;
+        mode-in-upload) fault upload delay:2000 2 ;;
+        mode-in-download) fault static delay:2000 2 ;;
         server-down) finish factory-server ;;
         vehicle-status)
             # A car knows its values from the start, what they say only later.
