@@ -8,7 +8,7 @@ state=${NVH_BENCH_STATE:-/tmp/nvh-bench-$(id -u)}
 
 # In the order of starting; ended the other way round.
 # shellcheck disable=SC2034
-programs=(sound-server monitor-reader cabin-sound factory-server)
+programs=(sound-server monitor-reader cabin-sound gateway-sim factory-server)
 
 die() {
     echo "${0##*/}: $*" >&2

@@ -68,7 +68,7 @@ QMap<QString, int> TestBenchScripts::running() const {
 }
 
 void TestBenchScripts::recordsTheCabin() {
-    QVERIFY2(bench("up", {"--port", "0"}) == 0, mSaid.constData());
+    QVERIFY2(bench("up", {"--port", "0", "--no-gateway"}) == 0, mSaid.constData());
     const QSettings settings(mState + "/bench.ini", QSettings::IniFormat);
     QVERIFY(settings.value("nvh/LogVerbose").toBool());
     const QString wav = settings.value("audio/capturing_file_name").toString();
@@ -102,11 +102,13 @@ void TestBenchScripts::recordsTheCabin() {
 }
 
 void TestBenchScripts::leavesAloneWhatRuns() {
-    QVERIFY2(bench("up", {"--port", "0", "--no-sound"}) == 0, mSaid.constData());
+    const QStringList arguments{"--port", "0", "--gateway-port", "0", "--no-sound"};
+    QVERIFY2(bench("up", arguments) == 0, mSaid.constData());
     const QMap<QString, int> first = running();
-    QCOMPARE(first.keys(), QStringList("factory-server"));
-    QVERIFY2(bench("up", {"--port", "0", "--no-sound"}) == 0, mSaid.constData());
-    QVERIFY(mSaid.contains("already running"));
+    QCOMPARE(first.keys(), QStringList({"factory-server", "gateway-sim"}));
+    QVERIFY2(mSaid.contains(" UDP 127.0.0.1:"), mSaid.constData());
+    QVERIFY2(bench("up", arguments) == 0, mSaid.constData());
+    QCOMPARE(mSaid.count("already running"), 2);
     QCOMPARE(running(), first);
 }
 
