@@ -21,7 +21,8 @@ int refuse(const QString& reason) {
 int main(int argc, char** argv) {
     LoopWatch<QCoreApplication> application(argc, argv);
     const std::vector<Measurement> measurements = {packingMeasurement(), loggerMeasurement(),
-                                                   testRunMeasurement(application), whineMeasurement()};
+                                                   testRunMeasurement(application), whineMeasurement(),
+                                                   canMeasurement()};
     QStringList names;
     for (const Measurement& measurement : measurements)
         names.append(measurement.name);
