@@ -20,10 +20,6 @@ QString ScriptedServer::url(const QString& path) const {
     return QStringLiteral("http://127.0.0.1:%1%2").arg(mPort).arg(path);
 }
 
-void ScriptedServer::answer(const QByteArray& status, const QByteArray& body) {
-    answer("HTTP/1.1 " + status + "\r\nContent-Length: " + QByteArray::number(body.size()) + "\r\n\r\n" + body);
-}
-
 void ScriptedServer::release() {
     mHeld = false;
     for (QTcpSocket* socket : std::exchange(mWaiting, {}))
@@ -46,9 +42,7 @@ void ScriptedServer::receive(QTcpSocket* socket) {
 }
 
 void ScriptedServer::respond(QTcpSocket* socket) {
-    if (!mAnswers.empty()) {
-        socket->write(mAnswers.front());
-        mAnswers.pop_front();
-    }
+    if (!mAnswers.isEmpty())
+        socket->write(mAnswers.takeFirst());
     socket->disconnectFromHost();
 }

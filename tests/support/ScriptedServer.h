@@ -1,11 +1,9 @@
 #pragma once
 
-#include <QByteArray>
+#include <QByteArrayList>
 #include <QHash>
 #include <QList>
 #include <QTcpServer>
-
-#include <deque>
 
 // An HTTP server on 127.0.0.1 that answers each request with the next bytes it was given, exactly those, and hangs up:
 // an answer that is shorter than it says is cut off, an empty one is none at all. Waits with every answer while it is
@@ -15,9 +13,7 @@ public:
     ScriptedServer();
 
     QString url(const QString& path) const;
-    void answer(const QByteArray& bytes) { mAnswers.push_back(bytes); }
-    // With the length that belongs to the body.
-    void answer(const QByteArray& status, const QByteArray& body);
+    void answer(const QByteArrayList& answers) { mAnswers += answers; }
     void hold() { mHeld = true; }
     void release();
     // From now on nobody listens; the address stays what it was.
@@ -32,7 +28,7 @@ private:
 
     quint16 mPort = 0;
     bool mHeld = false;
-    std::deque<QByteArray> mAnswers;
+    QByteArrayList mAnswers;
     QHash<QTcpSocket*, QByteArray> mIncoming;
     QList<QTcpSocket*> mWaiting;
     QList<QByteArray> mRequests;

@@ -233,7 +233,7 @@ private slots:
         if (stage == "recording with a hanging logger")
             QCOMPARE(::mkfifo("/tmp/nvh-rpm.txt", 0600), 0);
         ScriptedServer server;
-        server.answer("200 OK", "http://store/one.tgz");
+        server.answer({"HTTP/1.1 200 OK\r\n\r\nhttp://store/one.tgz"});
         if (stage == "upload")
             server.hold();
         configure("nvh/mes_url", server.url("/vdt/upload"));

@@ -37,7 +37,7 @@ private slots:
     }
 
     void uploadsAndPosts() {
-        answer({kStored, kPosted});
+        mServer->answer({kStored, kPosted});
         const QString package = savePackage(1);
         upload(package);
         QVERIFY(waitFor("> updateFeedbackLabel Well driven"));
@@ -86,7 +86,7 @@ private slots:
         if (response == "refused")
             mServer->refuse();
         else
-            answer({response, response});
+            mServer->answer({response, response});
         const QString package = savePackage(1);
         upload(package);
         QVERIFY(waitFor(stored ? "> metadataUploadStart" : "> packageUploadFailure"));
@@ -122,7 +122,7 @@ private slots:
         QFETCH(QByteArray, response);
         QFETCH(QString, feedback);
         const bool posted = !feedback.isEmpty();
-        answer({kStored, response});
+        mServer->answer({kStored, response});
         const QString package = savePackage(1);
         upload(package);
         QTRY_COMPARE(mJournal->withPrefix("> ").size(), 5);
@@ -147,7 +147,7 @@ private slots:
             connect(mManager.get(), &NvhPackageManager::packageUploadSuccess, [] { hideProgram("curl"); });
         else
             hideProgram("curl");
-        answer({kStored});
+        mServer->answer({kStored});
         upload(savePackage(1));
         upload(savePackage(2));
         QVERIFY(waitFor(forPost ? "ERROR POST METADATA FAILED! " : "ERROR PACKAGE UPLOAD FAILED! "));
@@ -160,7 +160,7 @@ private slots:
     // Each process of either kind adds one more report of every later failure.
     void reportsFailuresOncePerProcess() {
         for (int number : {1, 2}) {
-            answer({kStored, kPosted});
+            mServer->answer({kStored, kPosted});
             upload(savePackage(number));
             QTRY_COMPARE(mManager->getUploadSuccessCount(), number);
         }
@@ -174,7 +174,7 @@ private slots:
     }
 
     void deletesWhatItPostedAndLetsOthersWait() {
-        answer({kStored});
+        mServer->answer({kStored});
         upload(savePackage(1));
         QVERIFY(waitFor("> metadataUploadStart"));
         mServer->hold();
@@ -183,7 +183,7 @@ private slots:
         QTRY_VERIFY(!mManager->isPackaging());
         QTRY_COMPARE(mServer->requests().size(), 2);
         QVERIFY(QFileInfo::exists(packagePath(1)) && QFileInfo::exists(packagePath(2)));
-        answer({kPosted, kStored, kPosted});
+        mServer->answer({kPosted, kStored, kPosted});
         mServer->release();
         QTRY_VERIFY(!QFileInfo::exists(packagePath(1)));
         QVERIFY(QFileInfo::exists(packagePath(2)));
@@ -194,7 +194,7 @@ private slots:
     void uploadsWhatIsPackedWhileQueueRuns() {
         savePackage(1);
         savePackage(2);
-        answer({kStored, kPosted, kStored, kPosted, kStored, kPosted});
+        mServer->answer({kStored, kPosted, kStored, kPosted, kStored, kPosted});
         replaceProgram("gzip", "/bin/gzip; while [ ! -e /tmp/recorder-may-end ]; do sleep 0.01; done");
         build(3);
         mManager->uploadAllSavedPackages();
@@ -213,7 +213,7 @@ private slots:
         upload(found[0]);
         QCOMPARE(mJournal->entries().mid(1), QStringList({"INFO Skipping Upload..! ", "> fileSaved"}));
         // The second one fails: the chain ends, nothing is lost.
-        answer({kStored, kPosted, "HTTP/1.1 403 No\n\n"});
+        mServer->answer({kStored, kPosted, "HTTP/1.1 403 No\n\n"});
         mManager->uploadAllSavedPackages();
         QVERIFY(
             mJournal->has("INFO Found Packages: [" + QStringList({found[1], found[2], found[0]}).join(", ") + "] "));
@@ -223,7 +223,7 @@ private slots:
         QTRY_VERIFY(mManager->isIdle());
         QCOMPARE(uploaded(), "12");
 
-        answer({kStored, kPosted, kStored, kPosted});
+        mServer->answer({kStored, kPosted, kStored, kPosted});
         mManager->uploadAllSavedPackages();
         QVERIFY(waitFor("INFO All Files Uploaded! "));
         QCOMPARE(uploaded(), "1223");
@@ -243,10 +243,6 @@ private:
         mManager->startPackageManagerProcess(package, files);
     }
     void upload(QString package) { mManager->startUploadingPackage(package); }
-    void answer(const QByteArrayList& responses) {
-        for (const QByteArray& response : responses)
-            mServer->answer(response);
-    }
     // The numbers of the packages in the order in which they came in.
     QString uploaded() const {
         QByteArray numbers;
