@@ -87,14 +87,13 @@ void DataValue::commit() {
     if (!mPending)
         return;
     mPending = false;
-    const bool validityChanged = mPendingValid != mValid;
-    mWasValid = mValid;
-    mValid = mPendingValid;
+    const bool validBefore = std::exchange(mValid, mPendingValid);
     const bool valueChangedNow = mValid && commitValue();
     if (!mValid)
         commitInvalid();
-    if (!validityChanged && !valueChangedNow)
+    if (mValid == validBefore && !valueChangedNow)
         return;
+    mWasValid = validBefore;
     ValueLock::announceLater([value = QPointer<DataValue>(this)] {
         if (!value)
             return;

@@ -44,8 +44,10 @@ void IntDataValue::stage(const QVariant& value) {
 }
 
 bool IntDataValue::commitValue() {
+    if (mPendingValue == mValue)
+        return false;
     mPrevious = std::exchange(mValue, mPendingValue);
-    return mPrevious != mValue;
+    return true;
 }
 
 void IntDataValue::commitInvalid() {
