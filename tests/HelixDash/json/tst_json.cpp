@@ -1,0 +1,52 @@
+// JSON text to variants and back.
+
+#include <HelixDash/json/JSONData.h>
+#include <HelixDash/json/KJson.h>
+
+#include <QBuffer>
+#include <QTest>
+
+class TestJson : public QObject {
+    Q_OBJECT
+
+private slots:
+    void parses_data() {
+        QTest::addColumn<QByteArray>("text");
+        QTest::addColumn<QVariant>("value");
+        QTest::addColumn<int>("errorLine");
+        QTest::newRow("object") << QByteArray("{\"a\": [1, 2.5, true, null, \"ö\"]}")
+                                << QVariant(QVariantMap{{"a", QVariantList{1, 2.5, true, QVariant::fromValue(nullptr),
+                                                                           QString::fromUtf8("ö")}}})
+                                << 0;
+        QTest::newRow("array") << QByteArray(" [ ] ") << QVariant(QVariantList()) << 0;
+        QTest::newRow("empty") << QByteArray() << QVariant() << 1;
+        QTest::newRow("broken") << QByteArray("{\n\"a\": 1,\n\"b\": }") << QVariant() << 3;
+        QTest::newRow("more behind it") << QByteArray("{}\nx") << QVariant() << 2;
+    }
+
+    void parses() {
+        QFETCH(QByteArray, text);
+        QFETCH(int, errorLine);
+        QBuffer device(&text);
+        QVERIFY(!KJson::Parser::parse(device).ok());
+        QVERIFY(device.open(QIODevice::ReadOnly));
+        for (const KJson::ParseResult& result : {KJson::Parser::parse(text), KJson::Parser::parse(device)}) {
+            QTEST(result.value, "value");
+            QCOMPARE(result.line, errorLine);
+            QCOMPARE(result.ok(), errorLine == 0);
+        }
+    }
+
+    void serializes() {
+        JSONData data;
+        data.insert("url", "old");
+        data.insert("url", QString::fromUtf8("http://x/\"ö\\\n"));
+        data.insert("n", 3);
+        QCOMPARE(data.serializedJSON(), QByteArray("{\"n\":3,\"url\":\"http://x/\\\"ö\\\\\\n\"}"));
+        QCOMPARE(KJson::Serializer::serialize(QVariantList{1.5, false, QVariant()}), QByteArray("[1.5,false,null]"));
+        QCOMPARE(KJson::Serializer::serialize("text"), QByteArray());
+    }
+};
+
+QTEST_GUILESS_MAIN(TestJson)
+#include "tst_json.moc"

@@ -1,0 +1,144 @@
+// The configuration, the log and the timer that applications use.
+
+#include <HelixDash/services/ConfigStore.h>
+#include <HelixDash/services/ConfigValue.h>
+#include <HelixDash/services/Logger.h>
+#include <HelixDash/services/SingleShotTimer.h>
+
+#include <QElapsedTimer>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QThread>
+
+#include <memory>
+
+namespace {
+
+QStringList gSunk;
+
+}  // namespace
+
+class TestServices : public QObject {
+    Q_OBJECT
+
+private slots:
+    void init() {
+        mLines.clear();
+        Logger::setOutput([this](const QObject* sender, const QString& text, const QString& level) {
+            mLines.append(level + (sender ? sender->metaObject()->className() : "-") + text);
+        });
+        QVERIFY(write({}));
+        QVERIFY(ConfigStore::instance().open(mFile));
+    }
+    void cleanup() { Logger::setOutput({}); }
+
+    void readsSettings_data() {
+        QTest::addColumn<QByteArray>("text");
+        QTest::addColumn<QString>("string");
+        QTest::addColumn<int>("number");
+        QTest::addColumn<bool>("flag");
+        QTest::addColumn<int>("complaints");
+        QTest::newRow("absent") << QByteArray("[other]\nkey=5") << "default" << 7 << true << 0;
+        QTest::newRow("number") << QByteArray("[group]\nkey=0") << "0" << 0 << false << 0;
+        QTest::newRow("flag") << QByteArray("[group]\nkey=False") << "False" << 7 << false << 1;
+        QTest::newRow("text") << QByteArray("[group]\nkey=/tmp/a,b.wav") << "/tmp/a,b.wav" << 7 << true << 2;
+        QTest::newRow("empty") << QByteArray("[group]\nkey=") << "" << 7 << true << 2;
+    }
+
+    void readsSettings() {
+        QFETCH(QByteArray, text);
+        const ConfigStringValue string("group/key", "default");
+        const ConfigIntValue number("group/key", 7);
+        const ConfigBoolValue flag("group/key", true);
+        QVERIFY(write(text));
+        QTEST(string.value(), "string");
+        QTEST(number.value(), "number");
+        QTEST(flag.value(), "flag");
+        QTEST(int(mLines.size()), "complaints");
+    }
+
+    void followsFile() {
+        const ConfigStringValue value("group/key", "default");
+        QVERIFY(write("[group]\nkey=one\nother=kept\n"));
+        QCOMPARE(value.value(), "one");
+        // A file that cannot be read changes nothing, and is reported once.
+        QVERIFY(write("[group]\nkey=two\nnonsense\n"));
+        QCOMPARE(value.value(), "one");
+        QCOMPARE(value.value(), "one");
+        QCOMPARE(mLines, QStringList("ERROR-Configuration unchanged: " + mFile +
+                                     ":3: neither [section] nor key=value: nonsense "));
+        QString error;
+        QVERIFY(!ConfigStore::instance().open(mFile, &error));
+        QVERIFY2(error.startsWith(mFile + ":3: "), qPrintable(error));
+        QCOMPARE(value.value(), "one");
+        QVERIFY(write("[group]\nkey=three\nother=kept\n"));
+        QCOMPARE(value.value(), "three");
+        QVERIFY(ConfigStore::instance().setValue("group/key", "four"));
+        QCOMPARE(value.value(), "four");
+        QCOMPARE(ConfigStringValue("group/other", "").value(), "kept");
+        QVERIFY(QFile::remove(mFile));
+        QCOMPARE(value.value(), "default");
+    }
+
+    void deliversMessageWithLastHandle() {
+        {
+            Logger first(this, "INFO");
+            Logger second = first;
+            first << "one" << 2;
+            second << QString::fromUtf8("drei") << QStringList{"a", "b"} << quint64(5);
+            QCOMPARE(mLines, QStringList());
+        }
+        QCOMPARE(mLines, QStringList("INFOTestServicesone 2 drei a b 5 "));
+        Logger(nullptr, "WARN");
+        QCOMPARE(mLines.last(), "WARN-");
+        const auto sink = [](const QObject*, const QString& text, const QString& level, bool flag) {
+            gSunk.append(level + text + (flag ? "flag" : ""));
+        };
+        Logger(this, "ERROR", true, sink) << "\xe4";
+        QCOMPARE(gSunk, QStringList(QString::fromUtf8("ERRORä flag")));
+        QCOMPARE(mLines.size(), 2);
+    }
+
+    void takesMessagesFromManyThreads() {
+        std::vector<std::unique_ptr<QThread>> threads;
+        for (int number = 0; number < 4; ++number) {
+            threads.emplace_back(QThread::create([] {
+                for (int line = 0; line < 500; ++line)
+                    Logger(nullptr, "INFO") << "line" << line;
+            }));
+            threads.back()->start();
+        }
+        for (const auto& thread : threads)
+            QVERIFY(thread->wait(5000));
+        QCOMPARE(mLines.size(), 2000);
+        QCOMPARE(mLines.count("INFO-line 499 "), 4);
+    }
+
+    void callsOnceAndNotTooEarly() {
+        int first = 0;
+        int second = 0;
+        QElapsedTimer clock;
+        SingleShotTimer timer;
+        timer.start(1, this, [&] { ++first; });
+        clock.start();
+        timer.start(200, this, [&] { ++second; });
+        QTRY_COMPARE(second, 1);
+        QVERIFY2(clock.elapsed() >= 199, qPrintable(QString::number(clock.elapsed())));
+        QVERIFY(!timer.isActive());
+        QCOMPARE(first, 0);
+    }
+
+private:
+    bool write(const QByteArray& text) {
+        QFile file(mFile);
+        return file.open(QIODevice::WriteOnly) && file.write(text) == text.size();
+    }
+
+    QTemporaryDir mDirectory;
+    QString mFile = mDirectory.filePath("settings.ini");
+    QStringList mLines;
+};
+
+QTEST_GUILESS_MAIN(TestServices)
+#include "tst_services.moc"

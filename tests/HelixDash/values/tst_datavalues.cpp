@@ -1,0 +1,173 @@
+// Data values: when a change counts, who hears of it and where, and how values are written.
+
+#include <HelixDash/values/DataValueManager.h>
+
+#include <QSignalSpy>
+#include <QTest>
+#include <QThread>
+
+#include <memory>
+
+namespace {
+
+template <typename Value>
+Value* add(const char* name, DataValueManager::Type type) {
+    return static_cast<Value*>(DataValueManager::instance().add(QLatin1String(name), type));
+}
+
+template <typename Work>
+void onAnotherThread(Work work) {
+    const std::unique_ptr<QThread> thread(QThread::create(work));
+    thread->start();
+    QVERIFY(thread->wait(5000));
+}
+
+}  // namespace
+
+class TestDataValues : public QObject {
+    Q_OBJECT
+
+private slots:
+    void init() {
+        mReal = add<RealDataValue>("REAL", DataValueManager::Type::Real);
+        mInt = add<IntDataValue>("INT", DataValueManager::Type::Int);
+        for (DataValue* value : {static_cast<DataValue*>(mReal), static_cast<DataValue*>(mInt)}) {
+            const DataValue::EventLocker locker(value);
+            value->setInvalid();
+        }
+    }
+
+    void findsValuesByNameAndType() {
+        DataValueManager& manager = DataValueManager::instance();
+        QCOMPARE(manager.find<RealDataValue>("REAL"), mReal);
+        QVERIFY(!manager.find<IntDataValue>("REAL"));
+        QVERIFY(!manager.find("real"));
+        QVERIFY(!manager.add("REAL", DataValueManager::Type::Bool));
+        QCOMPARE(manager.add("REAL", DataValueManager::Type::Real), mReal);
+        const DataValue::EventLocker nothing(nullptr);
+        QVERIFY(!dvConnect(nullptr, this, [] {}) && !dvDisconnect(nullptr, this));
+    }
+
+    void commitsWhenOutermostLockerGoes() {
+        QSignalSpy changes(mReal, &DataValue::valueChanged);
+        QSignalSpy realChanges(mReal, &RealDataValue::realValueChanged);
+        {
+            const DataValue::EventLocker outer(mReal);
+            mReal->setValue(1.5);
+            {
+                const DataValue::EventLocker inner(mReal);
+                const DataValue::StateLocker reading(mInt);
+                mReal->setValue(2.5);
+            }
+            QVERIFY(!mReal->isValid());
+            QCOMPARE(changes.size(), 0);
+        }
+        QCOMPARE(mReal->value(), 2.5);
+        QCOMPARE(changes.size(), 1);
+        QCOMPARE(realChanges.size(), 1);
+        set(2.5);
+        { const DataValue::EventLocker nothingSet(mReal); }
+        QCOMPARE(changes.size(), 1);
+        set(qQNaN());
+        QVERIFY(!mReal->isValid());
+        QCOMPARE(mReal->value(), 2.5);
+        set(2.5);
+        QCOMPARE(changes.size(), 3);
+        mReal->setValue(9.0);
+        QCOMPARE(mReal->value(), 2.5);
+    }
+
+    void remembersValueBeforeLastChange_data() {
+        QTest::addColumn<QVariantList>("settings");
+        QTest::addColumn<int>("previous");
+        QTest::addColumn<bool>("wasValid");
+        QTest::newRow("first") << QVariantList{1} << 0 << false;
+        QTest::newRow("second") << QVariantList{1, 2} << 1 << true;
+        QTest::newRow("set again") << QVariantList{1, 2, 2} << 1 << true;
+        QTest::newRow("first again") << QVariantList{1, 1} << 0 << false;
+        QTest::newRow("made invalid") << QVariantList{1, 2, QVariant()} << 2 << true;
+        QTest::newRow("valid again") << QVariantList{1, 2, QVariant(), 2} << 2 << false;
+    }
+
+    void remembersValueBeforeLastChange() {
+        QFETCH(QVariantList, settings);
+        QFETCH(bool, wasValid);
+        IntDataValue value("PREVIOUS");
+        for (const QVariant& setting : settings) {
+            const DataValue::EventLocker locker(&value);
+            QVERIFY(value.setVariant(setting));
+        }
+        QCOMPARE(value.wasPreviousValid(), wasValid);
+        if (wasValid)
+            QTEST(value.previousValue(), "previous");
+    }
+
+    // A slot that waits for another thread which reads a value would wait for good under the lock.
+    void announcesWithoutLockOnOwningThread() {
+        int heard = 0;
+        const auto connection = dvConnect(mReal, this, [&] {
+            QCOMPARE(QThread::currentThread(), thread());
+            onAnotherThread([this] { const DataValue::StateLocker locker(mReal); });
+            ++heard;
+        });
+        {
+            const DataValue::StateLocker outer(mInt);
+            set(3.5);
+            QCOMPARE(heard, 0);
+        }
+        QCOMPARE(heard, 1);
+        onAnotherThread([this] { set(4.5); });
+        QCOMPARE(heard, 1);
+        QTRY_COMPARE(heard, 2);
+        QVERIFY(dvDisconnect(mReal, this));
+        set(5.5);
+        QCOMPARE(heard, 2);
+    }
+
+    void writesValues_data() {
+        QTest::addColumn<QVariant>("value");
+        QTest::addColumn<QString>("text");
+        const QList<QPair<QVariant, const char*>> rows = {
+            {1.0, "1.0"},        {-0.5, "-0.5"}, {0.1 + 0.2, "0.30000000000000004"}, {1e300, "1.0e+300"},
+            {1.5e-7, "1.5e-07"}, {-12, "-12"},   {2147483647, "2147483647"},         {true, "true"},
+            {false, "false"}};
+        for (const auto& [value, text] : rows)
+            QTest::newRow(text) << value << text;
+    }
+
+    void writesValues() {
+        QFETCH(QVariant, value);
+        const auto made = [&value]() -> std::unique_ptr<DataValue> {
+            if (value.userType() == QMetaType::Bool)
+                return std::make_unique<BoolDataValue>("B");
+            if (value.userType() == QMetaType::Int)
+                return std::make_unique<IntDataValue>("I");
+            return std::make_unique<RealDataValue>("R");
+        }();
+        QCOMPARE(made->toString(), "Invalid");
+        QVERIFY(!made->accepts("loud"));
+        {
+            const DataValue::EventLocker locker(made.get());
+            QVERIFY(made->setVariant(value));
+            QVERIFY(!made->setVariant("loud"));
+        }
+        QTEST(made->toString(), "text");
+    }
+
+    void namesEnums() {
+        QCOMPARE(NameForEnum(TrimNameMap, 3), "Premium+");
+        QCOMPARE(NameForEnum(TrimNameMap, -1), "-1");
+    }
+
+private:
+    void set(double value) {
+        const DataValue::EventLocker locker(mReal);
+        mReal->setValue(value);
+    }
+
+    RealDataValue* mReal = nullptr;
+    IntDataValue* mInt = nullptr;
+};
+
+QTEST_GUILESS_MAIN(TestDataValues)
+#include "tst_datavalues.moc"
