@@ -16,7 +16,7 @@ constexpr int kHeight = 940;
 }  // namespace
 
 NVHAppView::NVHAppView(DisplayView* parent, AppMode mode) : DisplayView(parent), mWorker(mode), mMode(mode) {
-    Logger(this, "INFO") << "NVHApp" << NVHAppVersion;
+    Logger(this, "INFO") << "NVHApp " << NVHAppVersion;
     resize(kWidth, kHeight);
     move(0, 0);
     init();
