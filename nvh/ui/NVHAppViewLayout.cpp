@@ -35,7 +35,9 @@ constexpr int kFeedbackPx = 25;
 constexpr int kCentreLeft = 360;
 constexpr int kCentreWidth = 470;
 constexpr int kCentrePitch = 150;  // from one button of the centre row to the next
-constexpr int kCentreGap = 8;      // between their frames
+// Their frames stand 8 px apart, and the last one ends where Start does.
+constexpr int kCentreButtonWidth = 162;
+constexpr int kLastCentreButtonWidth = 170;
 constexpr int kOnOffWidth = 116;
 constexpr int kTitleTop = 15;
 // The upload-status text ends where the centre column does.
@@ -243,6 +245,7 @@ const NVHAppView::Layout::Row NVHAppView::Layout::kRows[] = {
      .make = boundButton<&NVHAppView::mUploadButton>,
      .text = "Upload",
      .style = kButton,
+     .width = kCentreButtonWidth,
      .isEnabled = false,
      .boundTo = "STW_leftTop",
      .released = &NVHAppView::uploadButtonReleased},
@@ -250,6 +253,7 @@ const NVHAppView::Layout::Row NVHAppView::Layout::kRows[] = {
      .make = boundButton<&NVHAppView::mSaveButton>,
      .text = "Save",
      .style = kButton,
+     .width = kCentreButtonWidth,
      .isEnabled = false,
      .boundTo = "STW_leftMiddle",
      .released = &NVHAppView::saveButtonReleased},
@@ -257,6 +261,7 @@ const NVHAppView::Layout::Row NVHAppView::Layout::kRows[] = {
      .make = boundButton<&NVHAppView::mDiscardButton>,
      .text = "Discard",
      .style = kButton,
+     .width = kLastCentreButtonWidth,
      .isEnabled = false,
      .boundTo = "STW_leftBottom",
      .released = &NVHAppView::discardButtonReleased},
@@ -441,10 +446,6 @@ void NVHAppView::LayoutCentreButtons() {
     const int below = mFreqResCaption->isVisible() ? mMicChannelCaption->top() : mVsmCaption->top();
     int left = kCentreLeft;
     for (ButtonView* button : {mUploadButton, mSaveButton, mDiscardButton}) {
-        const bool last = button == mDiscardButton;
-        const int frame =
-            last ? kCentreLeft + kCentreWidth - left - 2 * ButtonView::kFrameMargin : kCentrePitch - kCentreGap;
-        button->setWidth(frame + 2 * ButtonView::kFrameMargin);
         button->setBottom(below);
         button->setLeft(left);
         left += kCentrePitch;
