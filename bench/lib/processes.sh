@@ -48,6 +48,8 @@ pid_of() {
 spawn() {
     local name=$1
     shift
+    # Now, not when the child comes round to it: the words of the last run must not pass for this one's.
+    : >"$state/$name.log"
     setsid "$@" </dev/null >"$state/$name.log" 2>&1 9>&- &
     echo "$! $(start_time $!)" >"$state/$name.pid"
 }
