@@ -1,6 +1,7 @@
 // nvh-tool as a user runs it: exit statuses, what it prints and says, what it leaves.
 
 #include "tests/support/MachineTest.h"
+#include "tests/support/Rows.h"
 #include "tests/support/ScriptedServer.h"
 
 #include <QDir>
@@ -48,15 +49,10 @@ private slots:
     }
 
     void endsRunAtInterrupt_data() {
-        QTest::addColumn<QString>("fate");
-        QTest::addColumn<QString>("output");
-        QTest::addColumn<int>("packages");
-        QTest::newRow("saved") << "--save"
-                               << "^/tmp/TEST1VEHICLE00001-Invalid-v3.0_pass-CAR_WOT-\\d+\\.tgz\n$" << 1;
-        QTest::newRow("uploaded") << "--upload"
-                                  << "^Well driven\n$" << 0;
-        QTest::newRow("discarded") << "--discard"
-                                   << "^$" << 0;
+        columns<QString, QString, int>("fate", "output", "packages");
+        row("saved", "--save", "^/tmp/TEST1VEHICLE00001-Invalid-v3.0_pass-CAR_WOT-\\d+\\.tgz\n$", 1);
+        row("uploaded", "--upload", "^Well driven\n$", 0);
+        row("discarded", "--discard", "^$", 0);
     }
 
     void endsRunAtInterrupt() {
@@ -70,34 +66,22 @@ private slots:
     }
 
     void saysWhyRunFailed_data() {
-        QTest::addColumn<QString>("trouble");
-        QTest::addColumn<QString>("fate");
-        QTest::addColumn<QByteArrayList>("answers");
-        QTest::addColumn<QString>("reason");
+        columns<QString, QString, QByteArrayList, QString>("trouble", "fate", "answers", "reason");
         const QString kept = "; the package is kept: /tmp/TEST1VEHICLE00001-\\S+\\.tgz";
         const QString rescued = " could not be started; the files are kept in /tmp/TEST1VEHICLE00001-\\S+\\.rescue";
-        QTest::newRow("no device") << "refuse"
-                                   << "--save" << QByteArrayList()
-                                   << "the recorder failed: audio open error: No such file or directory";
-        QTest::newRow("no recorder") << "arecord"
-                                     << "--save" << QByteArrayList()
-                                     << "the recorder failed: /usr/bin/arecord could not be started";
-        QTest::newRow("no tar") << "tar"
-                                << "--save" << QByteArrayList() << "tar" + rescued;
-        QTest::newRow("no gzip") << "gzip"
-                                 << "--save" << QByteArrayList() << "gzip" + rescued;
-        QTest::newRow("no curl") << "curl"
-                                 << "--upload" << QByteArrayList() << "curl could not be started" + kept;
-        QTest::newRow("no server") << "server"
-                                   << "--upload" << QByteArrayList()
-                                   << "upload failed: no answer from http://\\S+/vdt/upload" + kept;
-        QTest::newRow("no URL") << ""
-                                << "--upload" << QByteArrayList{"HTTP/1.1 200 OK\r\n\r\n"}
-                                << "upload failed: http://\\S+/vdt/upload answered \"HTTP/1.1 200 OK\"" + kept;
-        QTest::newRow("not registered")
-            << ""
-            << "--upload" << QByteArrayList{kStored, "HTTP/1.1 200 OK\r\n\r\n"}
-            << "registering the package failed: http://\\S+/vdt/sonvara_files answered \"HTTP/1.1 200 OK\"" + kept;
+        row("no device", "refuse", "--save", QByteArrayList(),
+            "the recorder failed: audio open error: No such file or directory");
+        row("no recorder", "arecord", "--save", QByteArrayList(),
+            "the recorder failed: /usr/bin/arecord could not be started");
+        row("no tar", "tar", "--save", QByteArrayList(), "tar" + rescued);
+        row("no gzip", "gzip", "--save", QByteArrayList(), "gzip" + rescued);
+        row("no curl", "curl", "--upload", QByteArrayList(), "curl could not be started" + kept);
+        row("no server", "server", "--upload", QByteArrayList(),
+            "upload failed: no answer from http://\\S+/vdt/upload" + kept);
+        row("no URL", "", "--upload", QByteArrayList{"HTTP/1.1 200 OK\r\n\r\n"},
+            "upload failed: http://\\S+/vdt/upload answered \"HTTP/1.1 200 OK\"" + kept);
+        row("not registered", "", "--upload", QByteArrayList{kStored, "HTTP/1.1 200 OK\r\n\r\n"},
+            "registering the package failed: http://\\S+/vdt/sonvara_files answered \"HTTP/1.1 200 OK\"" + kept);
     }
 
     void saysWhyRunFailed() {
@@ -139,11 +123,10 @@ private slots:
     }
 
     void analyses_data() {
-        QTest::addColumn<QByteArray>("script");
-        QTest::addColumn<int>("status");
-        QTest::newRow("done") << QByteArray("echo \"$*\" > /tmp/nvh-wheelspeeds.txt") << 0;
-        QTest::newRow("killed") << QByteArray("kill -9 $$") << 0;
-        QTest::newRow("absent") << QByteArray() << 1;
+        columns<QByteArray, int>("script", "status");
+        row("done", QByteArray("echo \"$*\" > /tmp/nvh-wheelspeeds.txt"), 0);
+        row("killed", QByteArray("kill -9 $$"), 0);
+        row("absent", QByteArray(), 1);
     }
 
     void analyses() {
@@ -182,31 +165,21 @@ private slots:
     }
 
     void refusesUnusableArguments_data() {
-        QTest::addColumn<QString>("reason");
-        const QString any = "record --type WOT --save ";
-        const QStringList rows = {"=no command is named",
-                                  "fly=no command \"fly\"",
-                                  "record --save=--type: \"\" is none of 35 MPH, 42-43 Steady",
-                                  "record --type wot --save=--type: \"wot\"",
-                                  "record --type WOT=one of --save, --upload and --discard",
-                                  any + "--discard=one of --save, --upload and --discard",
-                                  any + "--seconds 0=--seconds: \"0\"",
-                                  any + "--seconds 1.5=--seconds: \"1.5\"",
-                                  any + "--seconds 701=--seconds: \"701\"",
-                                  any + "now=unexpected \"now\"",
-                                  any + "--fast=Unknown option 'fast'",
-                                  any + "--vin A/B=--vin: \"A/B\"",
-                                  any + "--trace /tmp/none.csv=--trace: /tmp/none.csv",
-                                  "analyse --fft 1024=--fft: \"1024\"",
-                                  "analyse --channel 1=--channel: \"1\"",
-                                  "judge --band 1:2 --threshold 1=one table is needed",
-                                  "judge - --band 2:1 --threshold 1=--band: \"2:1\"",
-                                  "judge - --band 1:2 --threshold loud=--threshold: \"loud\"",
-                                  "judge /tmp/none --band 1:2 --threshold 1=/tmp/none: No such file",
-                                  "repair-wav=no file is named",
-                                  "packages all=unexpected \"all\""};
-        for (const QString& row : rows)
-            QTest::newRow(qPrintable(row.section('=', 0, 0))) << row.section('=', 1);
+        columns<QString>("reason");
+        const QString refusals =
+            "=no command is named|fly=no command \"fly\"|packages all=unexpected \"all\"|repair-wav=no file is named|"
+            "record --save=--type: \"\" is none of 35 MPH, 42-43 Steady|record --type wot --save=--type: \"wot\"|"
+            "record --type WOT=one of --save, --upload and --discard|"
+            "record --type WOT --save --discard=one of --save, --upload and --discard|"
+            "record --type WOT --save --seconds 0=\"0\"|record --type WOT --save --seconds 1.5=\"1.5\"|"
+            "record --type WOT --save --seconds 701=\"701\"|record --type WOT --save now=unexpected \"now\"|"
+            "record --type WOT --save --fast=Unknown option 'fast'|record --type WOT --save --vin A/B=--vin: \"A/B\"|"
+            "record --type WOT --save --trace /tmp/none.csv=--trace: /tmp/none.csv|"
+            "analyse --fft 1024=--fft: \"1024\"|analyse --channel 1=--channel: \"1\"|"
+            "judge --band 1:2 --threshold 1=one table is needed|judge - --band 2:1 --threshold 1=--band: \"2:1\"|"
+            "judge - --band 1:2 --threshold loud=\"loud\"|judge /tmp/none --band 1:2 --threshold 1=/tmp/none: No such";
+        for (const QString& refusal : refusals.split('|'))
+            row(qPrintable(refusal.section('=', 0, 0)), refusal.section('=', 1));
     }
 
     void refusesUnusableArguments() {

@@ -1,5 +1,7 @@
 // JSON text to variants and back.
 
+#include "tests/support/Rows.h"
+
 #include <HelixDash/json/JSONData.h>
 #include <HelixDash/json/KJson.h>
 
@@ -11,17 +13,15 @@ class TestJson : public QObject {
 
 private slots:
     void parses_data() {
-        QTest::addColumn<QByteArray>("text");
-        QTest::addColumn<QVariant>("value");
-        QTest::addColumn<int>("errorLine");
-        QTest::newRow("object") << QByteArray("{\"a\": [1, 2.5, true, null, \"ö\"]}")
-                                << QVariant(QVariantMap{{"a", QVariantList{1, 2.5, true, QVariant::fromValue(nullptr),
-                                                                           QString::fromUtf8("ö")}}})
-                                << 0;
-        QTest::newRow("array") << QByteArray(" [ ] ") << QVariant(QVariantList()) << 0;
-        QTest::newRow("empty") << QByteArray() << QVariant() << 1;
-        QTest::newRow("broken") << QByteArray("{\n\"a\": 1,\n\"b\": }") << QVariant() << 3;
-        QTest::newRow("more behind it") << QByteArray("{}\nx") << QVariant() << 2;
+        columns<QByteArray, QVariant, int>("text", "value", "errorLine");
+        row("object", QByteArray("{\"a\": [1, 2.5, true, null, \"ö\"]}"),
+            QVariant(
+                QVariantMap{{"a", QVariantList{1, 2.5, true, QVariant::fromValue(nullptr), QString::fromUtf8("ö")}}}),
+            0);
+        row("array", QByteArray(" [ ] "), QVariant(QVariantList()), 0);
+        row("empty", QByteArray(), QVariant(), 1);
+        row("broken", QByteArray("{\n\"a\": 1,\n\"b\": }"), QVariant(), 3);
+        row("more behind it", QByteArray("{}\nx"), QVariant(), 2);
     }
 
     void parses() {

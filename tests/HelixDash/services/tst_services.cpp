@@ -1,5 +1,7 @@
 // The configuration, the log and the timer that applications use.
 
+#include "tests/support/Rows.h"
+
 #include <HelixDash/services/ConfigStore.h>
 #include <HelixDash/services/ConfigValue.h>
 #include <HelixDash/services/Logger.h>
@@ -34,16 +36,12 @@ private slots:
     void cleanup() { Logger::setOutput({}); }
 
     void readsSettings_data() {
-        QTest::addColumn<QByteArray>("text");
-        QTest::addColumn<QString>("string");
-        QTest::addColumn<int>("number");
-        QTest::addColumn<bool>("flag");
-        QTest::addColumn<int>("complaints");
-        QTest::newRow("absent") << QByteArray("[other]\nkey=5") << "default" << 7 << true << 0;
-        QTest::newRow("number") << QByteArray("[group]\nkey=0") << "0" << 0 << false << 0;
-        QTest::newRow("flag") << QByteArray("[group]\nkey=False") << "False" << 7 << false << 1;
-        QTest::newRow("text") << QByteArray("[group]\nkey=/tmp/a,b.wav") << "/tmp/a,b.wav" << 7 << true << 2;
-        QTest::newRow("empty") << QByteArray("[group]\nkey=") << "" << 7 << true << 2;
+        columns<QByteArray, QString, int, bool, int>("text", "string", "number", "flag", "complaints");
+        row("absent", QByteArray("[other]\nkey=5"), "default", 7, true, 0);
+        row("number", QByteArray("[group]\nkey=0"), "0", 0, false, 0);
+        row("flag", QByteArray("[group]\nkey=False"), "False", 7, false, 1);
+        row("text", QByteArray("[group]\nkey=/tmp/a,b.wav"), "/tmp/a,b.wav", 7, true, 2);
+        row("empty", QByteArray("[group]\nkey="), "", 7, true, 2);
     }
 
     void readsSettings() {

@@ -1,5 +1,7 @@
 // Data values: when a change counts, who hears of it and where, and how values are written.
 
+#include "tests/support/Rows.h"
+
 #include <HelixDash/values/DataValueManager.h>
 
 #include <QSignalSpy>
@@ -9,11 +11,6 @@
 #include <memory>
 
 namespace {
-
-template <typename Value>
-Value* add(const char* name, DataValueManager::Type type) {
-    return static_cast<Value*>(DataValueManager::instance().add(QLatin1String(name), type));
-}
 
 template <typename Work>
 void onAnotherThread(Work work) {
@@ -29,20 +26,15 @@ class TestDataValues : public QObject {
 
 private slots:
     void init() {
-        mReal = add<RealDataValue>("REAL", DataValueManager::Type::Real);
-        mInt = add<IntDataValue>("INT", DataValueManager::Type::Int);
-        for (DataValue* value : {static_cast<DataValue*>(mReal), static_cast<DataValue*>(mInt)}) {
-            const DataValue::EventLocker locker(value);
-            value->setInvalid();
-        }
+        mReal = qobject_cast<RealDataValue*>(DataValueManager::instance().add("REAL", DataValueManager::Type::Real));
+        set(qQNaN());
     }
 
     void findsValuesByNameAndType() {
         DataValueManager& manager = DataValueManager::instance();
         QCOMPARE(manager.find<RealDataValue>("REAL"), mReal);
         QVERIFY(!manager.find<IntDataValue>("REAL"));
-        QVERIFY(!manager.find("real"));
-        QVERIFY(!manager.add("REAL", DataValueManager::Type::Bool));
+        QVERIFY(!manager.find("real") && !manager.add("REAL", DataValueManager::Type::Bool));
         QCOMPARE(manager.add("REAL", DataValueManager::Type::Real), mReal);
         const DataValue::EventLocker nothing(nullptr);
         QVERIFY(!dvConnect(nullptr, this, [] {}) && !dvDisconnect(nullptr, this));
@@ -56,11 +48,10 @@ private slots:
             mReal->setValue(1.5);
             {
                 const DataValue::EventLocker inner(mReal);
-                const DataValue::StateLocker reading(mInt);
+                const DataValue::StateLocker reading(nullptr);
                 mReal->setValue(2.5);
             }
-            QVERIFY(!mReal->isValid());
-            QCOMPARE(changes.size(), 0);
+            QVERIFY(!mReal->isValid() && changes.isEmpty());
         }
         QCOMPARE(mReal->value(), 2.5);
         QCOMPARE(changes.size(), 1);
@@ -78,15 +69,13 @@ private slots:
     }
 
     void remembersValueBeforeLastChange_data() {
-        QTest::addColumn<QVariantList>("settings");
-        QTest::addColumn<int>("previous");
-        QTest::addColumn<bool>("wasValid");
-        QTest::newRow("first") << QVariantList{1} << 0 << false;
-        QTest::newRow("second") << QVariantList{1, 2} << 1 << true;
-        QTest::newRow("set again") << QVariantList{1, 2, 2} << 1 << true;
-        QTest::newRow("first again") << QVariantList{1, 1} << 0 << false;
-        QTest::newRow("made invalid") << QVariantList{1, 2, QVariant()} << 2 << true;
-        QTest::newRow("valid again") << QVariantList{1, 2, QVariant(), 2} << 2 << false;
+        columns<QVariantList, int, bool>("settings", "previous", "wasValid");
+        row("first", QVariantList{1}, 0, false);
+        row("second", QVariantList{1, 2}, 1, true);
+        row("set again", QVariantList{1, 2, 2}, 1, true);
+        row("first again", QVariantList{1, 1}, 0, false);
+        row("made invalid", QVariantList{1, 2, QVariant()}, 2, true);
+        row("valid again", QVariantList{1, 2, QVariant(), 2}, 2, false);
     }
 
     void remembersValueBeforeLastChange() {
@@ -111,7 +100,7 @@ private slots:
             ++heard;
         });
         {
-            const DataValue::StateLocker outer(mInt);
+            const DataValue::StateLocker outer(nullptr);
             set(3.5);
             QCOMPARE(heard, 0);
         }
@@ -125,14 +114,13 @@ private slots:
     }
 
     void writesValues_data() {
-        QTest::addColumn<QVariant>("value");
-        QTest::addColumn<QString>("text");
+        columns<QVariant, QString>("value", "text");
         const QList<QPair<QVariant, const char*>> rows = {
             {1.0, "1.0"},        {-0.5, "-0.5"}, {0.1 + 0.2, "0.30000000000000004"}, {1e300, "1.0e+300"},
             {1.5e-7, "1.5e-07"}, {-12, "-12"},   {2147483647, "2147483647"},         {true, "true"},
             {false, "false"}};
         for (const auto& [value, text] : rows)
-            QTest::newRow(text) << value << text;
+            row(text, value, text);
     }
 
     void writesValues() {
@@ -166,7 +154,6 @@ private:
     }
 
     RealDataValue* mReal = nullptr;
-    IntDataValue* mInt = nullptr;
 };
 
 QTEST_GUILESS_MAIN(TestDataValues)

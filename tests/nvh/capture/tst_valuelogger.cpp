@@ -3,6 +3,7 @@
 #include "nvh/capture/NvhValueLogger.h"
 #include "nvh/capture/ScopeBracesPrinter.h"
 #include "tests/support/MachineTest.h"
+#include "tests/support/Rows.h"
 
 #include <HelixDash/values/DataValueManager.h>
 #include <HelixDash/views/DisplayView.h>
@@ -74,13 +75,10 @@ private slots:
     }
 
     void writesNothingOutsideLogging_data() {
-        QTest::addColumn<QString>("file");
-        QTest::addColumn<bool>("stoppedFirst");
-        QTest::addColumn<QStringList>("errors");
-        QTest::newRow("stopped before it started") << gLog << true << QStringList();
-        QTest::newRow("not creatable") << "/tmp/none/log.txt" << false
-                                       << QStringList(
-                                              "ERROR OpenValueStream : Cannot Create File:  /tmp/none/log.txt ");
+        columns<QString, bool, QStringList>("file", "stoppedFirst", "errors");
+        row("stopped before it started", gLog, true, QStringList());
+        row("not creatable", "/tmp/none/log.txt", false,
+            QStringList("ERROR OpenValueStream : Cannot Create File:  /tmp/none/log.txt "));
     }
 
     void writesNothingOutsideLogging() {

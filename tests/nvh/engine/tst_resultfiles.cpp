@@ -2,6 +2,7 @@
 
 #include "nvh/engine/NVHWorker.h"
 #include "tests/support/MachineTest.h"
+#include "tests/support/Rows.h"
 
 #include <HelixDash/services/LocationManager.h>
 
@@ -12,18 +13,17 @@ class TestResultFiles : public MachineTest {
 
 private slots:
     void putsSelectionsIntoWords_data() {
-        QTest::addColumn<int>("seconds");
-        QTest::addColumn<QString>("words");
-        QTest::newRow("-1") << -1 << "8192 left NVH";
-        QTest::newRow("0") << 0 << "2048 sum NVH";
-        QTest::newRow("1") << 5 << "4096 left VDT";
-        QTest::newRow("2") << 10 << "8192 right SERVICE";
-        QTest::newRow("3") << 15 << "16384 left NVH";
-        QTest::newRow("4") << 20 << "8192 left NVH";
-        QTest::newRow("5") << 30 << "8192 left NVH";
-        QTest::newRow("6") << 45 << "8192 left NVH";
-        QTest::newRow("7") << 60 << "8192 left NVH";
-        QTest::newRow("8") << -1 << "8192 left NVH";
+        columns<int, QString>("seconds", "words");
+        row("-1", -1, "8192 left NVH");
+        row("0", 0, "2048 sum NVH");
+        row("1", 5, "4096 left VDT");
+        row("2", 10, "8192 right SERVICE");
+        row("3", 15, "16384 left NVH");
+        row("4", 20, "8192 left NVH");
+        row("5", 30, "8192 left NVH");
+        row("6", 45, "8192 left NVH");
+        row("7", 60, "8192 left NVH");
+        row("8", -1, "8192 left NVH");
     }
 
     void putsSelectionsIntoWords() {
@@ -41,27 +41,14 @@ private slots:
     }
 
     void tagsTestTypes_data() {
-        QTest::addColumn<QString>("tag");
-        const QStringList rows = {"35 MPH=35MPH",
-                                  "42-43 Steady=42_43_STEADY",
-                                  "65 MPH=65MPH",
-                                  "75 MPH=75MPH",
-                                  "App Test=APPTEST",
-                                  "Brake Squeal=BSQUEAL",
-                                  "BSR=BSR",
-                                  "Clunk=CLUNK",
-                                  "Drive=DRIVE",
-                                  "Invalid=INVALID",
-                                  "Mic Test=MIC",
-                                  "Ramp=RAMP",
-                                  "Regen=Regen",
-                                  "Service=SERVICE",
-                                  "WOT=WOT",
-                                  "clunk=",
-                                  "=",
-                                  "Foo="};
-        for (const QString& row : rows)
-            QTest::newRow(qPrintable(row.section('=', 0, 0))) << row.section('=', 1);
+        columns<QString>("tag");
+        const QString tags =
+            "35 MPH=35MPH|42-43 Steady=42_43_STEADY|65 MPH=65MPH|75 MPH=75MPH|App Test=APPTEST|Brake Squeal=BSQUEAL|"
+            "BSR=BSR|Clunk=CLUNK|Drive=DRIVE|Invalid=INVALID|Mic "
+            "Test=MIC|Ramp=RAMP|Regen=Regen|Service=SERVICE|WOT=WOT|"
+            "clunk=|=|Foo=";
+        for (const QString& tag : tags.split('|'))
+            row(qPrintable(tag.section('=', 0, 0)), tag.section('=', 1));
     }
 
     void tagsTestTypes() {
@@ -90,14 +77,12 @@ private slots:
     }
 
     void movesRecording_data() {
-        QTest::addColumn<int>("type");
-        QTest::addColumn<QString>("target");
-        QTest::addColumn<bool>("captured");
-        QTest::newRow("ambient") << 0 << "/tmp/ambient.wav" << true;
-        QTest::newRow("notes") << 1 << "/tmp/notes.wav" << true;
-        QTest::newRow("test") << 2 << "/tmp/recording.wav" << true;
-        QTest::newRow("no capture") << 2 << "/tmp/recording.wav" << false;
-        QTest::newRow("invalid") << 3 << QString() << true;
+        columns<int, QString, bool>("type", "target", "captured");
+        row("ambient", 0, "/tmp/ambient.wav", true);
+        row("notes", 1, "/tmp/notes.wav", true);
+        row("test", 2, "/tmp/recording.wav", true);
+        row("no capture", 2, "/tmp/recording.wav", false);
+        row("invalid", 3, QString(), true);
     }
 
     void movesRecording() {
@@ -114,12 +99,9 @@ private slots:
             replaced += readFile(file) == (file == target ? "new" : "old") ? 0 : 1;
         QCOMPARE(replaced, captured ? 0 : 1);
         QCOMPARE(QFileInfo::exists(mMachine.kCapture), target.isEmpty());
-        if (target.isEmpty())
-            QCOMPARE(mJournal->entries(),
-                     QStringList({"INFO processRecording ", "ERROR processRecording() invalid type "}));
-        else
-            QCOMPARE(mJournal->entries().mid(0, 2),
-                     QStringList({"INFO processRecording ", "INFO rename and header fix for  " + target + " "}));
+        const QString second = target.isEmpty() ? QString("ERROR processRecording() invalid type ")
+                                                : "INFO rename and header fix for  " + target + " ";
+        QCOMPARE(mJournal->entries().mid(0, 2), QStringList({"INFO processRecording ", second}));
         QCOMPARE(mJournal->withPrefix("ERROR").isEmpty(), captured && !target.isEmpty());
     }
 
@@ -147,15 +129,11 @@ private slots:
     }
 
     void namesPackages_data() {
-        QTest::addColumn<QVariant>("trim");
-        QTest::addColumn<QString>("type");
-        QTest::addColumn<bool>("pass");
-        QTest::addColumn<QString>("name");
-        QTest::newRow("fail") << QVariant(0) << "Ramp" << false << "TEST1VEHICLE00001-Base-v3.0_fail-CAR_RAMP-";
-        QTest::newRow("plus") << QVariant(1) << "WOT" << true << "TEST1VEHICLE00001-Base-v3.0_pass-CAR_WOT-";
-        QTest::newRow("invalid trim") << QVariant() << "Drive" << true
-                                      << "TEST1VEHICLE00001-Invalid-v3.0_pass-CAR_DRIVE-";
-        QTest::newRow("unknown") << QVariant(9) << "Unheard" << true << "TEST1VEHICLE00001-9-v3.0_pass-CAR_-";
+        columns<QVariant, QString, bool, QString>("trim", "type", "pass", "name");
+        row("fail", QVariant(0), "Ramp", false, "TEST1VEHICLE00001-Base-v3.0_fail-CAR_RAMP-");
+        row("plus", QVariant(1), "WOT", true, "TEST1VEHICLE00001-Base-v3.0_pass-CAR_WOT-");
+        row("invalid trim", QVariant(), "Drive", true, "TEST1VEHICLE00001-Invalid-v3.0_pass-CAR_DRIVE-");
+        row("unknown", QVariant(9), "Unheard", true, "TEST1VEHICLE00001-9-v3.0_pass-CAR_-");
     }
 
     void namesPackages() {
@@ -178,17 +156,15 @@ private slots:
     }
 
     void usesNextFreeSecond() {
-        mWorker.setTestType("WOT");
-        QStringList packages;
-        for (const char* content : {"first", "second", "third"}) {
-            writeFile("/tmp/notes.wav", content);
+        for (const QString& content : {QString("first"), QString("second"), QString("third")}) {
+            writeFile("/tmp/notes.wav", content.toUtf8());
             mWorker.renameFiles(true);
-            packages.append(mWorker.packageManager().packageName());
             QTRY_VERIFY(mWorker.packageManager().isIdle());
         }
-        QCOMPARE(archiveMember(packages[0], "tmp/notes.wav"), QByteArray("first"));
-        QCOMPARE(archiveMember(packages[1], "tmp/notes.wav"), QByteArray("second"));
-        QCOMPARE(archiveMember(packages[2], "tmp/notes.wav"), QByteArray("third"));
+        QByteArrayList packed;
+        for (const QString& package : mWorker.packageManager().savedPackages())
+            packed += archiveMember(package, "tmp/notes.wav");
+        QCOMPARE(packed, QByteArrayList({"first", "second", "third"}));
     }
 
     void deletesRecordedFiles() {
@@ -198,37 +174,33 @@ private slots:
         writeFile("/tmp/nvh-micCheck.txt", "new");
         mWorker.deleteRecordedFiles();
         QCOMPARE(mJournal->entries(), QStringList("ERROR Unable to Delete  /proc/self/status "));
-        QVERIFY(!QFileInfo::exists("/tmp/recording.wav"));
-        QVERIFY(!QFileInfo::exists("/tmp/nvh-micCheck.txt"));
+        QVERIFY(!QFileInfo::exists("/tmp/recording.wav") && !QFileInfo::exists("/tmp/nvh-micCheck.txt"));
     }
 
     void judgesTables_data() {
-        QTest::addColumn<QByteArray>("table");
-        QTest::addColumn<bool>("pass");
-        QTest::newRow("empty") << QByteArray() << true;
-        QTest::newRow("above at the upper bound") << QByteArray("1000 0 5.1 0") << false;
-        QTest::newRow("above at the lower bound") << QByteArray("900 0 5.1 0") << false;
-        QTest::newRow("at the threshold") << QByteArray("1000 0 5.0 0") << true;
-        QTest::newRow("outside the band") << QByteArray("1000.5 0 5.1 0\n899.9 0 9 0") << true;
-        QTest::newRow("last line of many") << QByteArray("100 1 2 3\n\n950 9 1 9\r\n950\t1  7e0\n") << false;
-        QTest::newRow("missing level") << QByteArray("950 9") << true;
-        QTest::newRow("unreadable level") << QByteArray("950 0 loud 0") << true;
-        QTest::newRow("unreadable frequency") << QByteArray("x 0 9 0") << true;
-        QTest::newRow("blank before the line") << QByteArray(" 950 0 9 0") << true;
+        columns<QString, bool>("table", "pass");
+        row("empty", "", true);
+        row("above at the upper bound", "1000 0 5.1 0", false);
+        row("above at the lower bound", "900 0 5.1 0", false);
+        row("at the threshold", "1000 0 5.0 0", true);
+        row("outside the band", "1000.5 0 5.1 0\n899.9 0 9 0", true);
+        row("last line of many", "100 1 2 3\n\n950 9 1 9\r\n950\t1  7e0\n", false);
+        row("missing level", "950 9", true);
+        row("unreadable level", "950 0 loud 0", true);
+        row("unreadable frequency", "x 0 9 0", true);
+        row("blank before the line", " 950 0 9 0", true);
     }
 
     void judgesTables() {
-        QFETCH(QByteArray, table);
-        QTEST(mWorker.resultsCheck(table, 900, 1000, 5.0), "pass");
+        QFETCH(QString, table);
+        QTEST(mWorker.resultsCheck(table.toLatin1(), 900, 1000, 5.0), "pass");
     }
 
     void repairsWavHeaders_data() {
-        QTest::addColumn<int>("size");
-        QTest::addColumn<qint32>("dataSize");
-        QTest::addColumn<qint32>("riffSize");
-        QTest::newRow("header alone") << 44 << 0 << 36;
-        QTest::newRow("one frame") << 60 << 16 << 52;
-        QTest::newRow("short of a header") << 10 << -34 << 2;
+        columns<int, qint32, qint32>("size", "dataSize", "riffSize");
+        row("header alone", 44, 0, 36);
+        row("one frame", 60, 16, 52);
+        row("short of a header", 10, -34, 2);
     }
 
     void repairsWavHeaders() {

@@ -2,6 +2,7 @@
 
 #include "tests/nvh/engine/WatchedEngine.h"
 #include "tests/support/MachineTest.h"
+#include "tests/support/Rows.h"
 
 #include <QElapsedTimer>
 
@@ -16,21 +17,16 @@ class TestTargetPrograms : public MachineTest {
 
 private slots:
     void checksMicrophones_data() {
-        QTest::addColumn<QByteArray>("script");
-        QTest::addColumn<QString>("testType");
-        QTest::addColumn<QString>("feedback");
-        QTest::addColumn<QString>("report");
+        columns<QByteArray, QString, QString, QString>("script", "testType", "feedback", "report");
         const QString answer = "check-mic 0.002 1.5 \n";
-        QTest::newRow("verdict") << QByteArray("echo \"$1 $2 $3\"; echo Gerät >&2") << "Mic Test"
-                                 << answer + "/tmp/recording.wav 0.002 1.5\nGerät\n"
-                                 << answer + "/tmp/recording.wav 0.002 1.5\nGerät\n";
-        QTest::newRow("failing") << QByteArray("echo fail; exit 3") << "Mic Test" << answer + "fail\n"
-                                 << answer + "fail\n";
-        QTest::newRow("silent") << QByteArray("true") << "Mic Test" << answer << answer;
+        row("verdict", QByteArray("echo \"$1 $2 $3\"; echo Gerät >&2"), "Mic Test",
+            answer + "/tmp/recording.wav 0.002 1.5\nGerät\n", answer + "/tmp/recording.wav 0.002 1.5\nGerät\n");
+        row("failing", QByteArray("echo fail; exit 3"), "Mic Test", answer + "fail\n", answer + "fail\n");
+        row("silent", QByteArray("true"), "Mic Test", answer, answer);
         const QString error = "Error executing the mic-check utility\n";
-        QTest::newRow("crash") << QByteArray("echo half; kill -9 $$") << "Mic Test" << error + "half\n" << QString();
-        QTest::newRow("absent") << QByteArray() << "Mic Test" << error << QString();
-        QTest::newRow("another test") << QByteArray("echo pass") << "mic test" << QString() << QString();
+        row("crash", QByteArray("echo half; kill -9 $$"), "Mic Test", error + "half\n", QString());
+        row("absent", QByteArray(), "Mic Test", error, QString());
+        row("another test", QByteArray("echo pass"), "mic test", QString(), QString());
     }
 
     void checksMicrophones() {
@@ -97,9 +93,9 @@ private slots:
     }
 
     void killsHangingAnalysis_data() {
-        QTest::addColumn<bool>("savedMeanwhile");
-        QTest::newRow("by itself") << false;
-        QTest::newRow("saved meanwhile") << true;
+        columns<bool>("savedMeanwhile");
+        row("by itself", false);
+        row("saved meanwhile", true);
     }
 
     void killsHangingAnalysis() {

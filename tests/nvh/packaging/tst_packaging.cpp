@@ -2,6 +2,7 @@
 
 #include "nvh/packaging/NvhPackageManager.h"
 #include "tests/support/MachineTest.h"
+#include "tests/support/Rows.h"
 
 namespace {
 
@@ -54,19 +55,16 @@ private slots:
     }
 
     void keepsFilesOfBadArchive_data() {
-        QTest::addColumn<QString>("program");
-        QTest::addColumn<QByteArray>("script");
-        QTest::addColumn<QString>("archive");
-        QTest::addColumn<int>("failures");
-        QTest::newRow("tar fails") << "tar" << QByteArray("/bin/tar \"$@\"; exit 2") << kPackage << 0;
-        QTest::newRow("tar packs nothing") << "tar" << QByteArray("head -c 10240 /dev/zero") << kPackage << 0;
-        QTest::newRow("tar crashes") << "tar" << QByteArray("kill -9 $$") << kPackage << 1;
-        QTest::newRow("tar absent") << "tar" << QByteArray() << kPackage << 1;
-        QTest::newRow("gzip fails") << "gzip" << QByteArray("/bin/gzip \"$@\"; exit 1") << kPackage << 0;
-        QTest::newRow("gzip crashes") << "gzip" << QByteArray("kill -9 $$") << kPackage << 2;
-        QTest::newRow("gzip absent") << "gzip" << QByteArray() << kPackage << 2;
-        QTest::newRow("blank in a name") << QString() << QByteArray() << kPackage << 0;
-        QTest::newRow("no place for the archive") << QString() << QByteArray() << "/proc/none/x.tgz" << 1;
+        columns<QString, QByteArray, QString, int>("program", "script", "archive", "failures");
+        row("tar fails", "tar", QByteArray("/bin/tar \"$@\"; exit 2"), kPackage, 0);
+        row("tar packs nothing", "tar", QByteArray("head -c 10240 /dev/zero"), kPackage, 0);
+        row("tar crashes", "tar", QByteArray("kill -9 $$"), kPackage, 1);
+        row("tar absent", "tar", QByteArray(), kPackage, 1);
+        row("gzip fails", "gzip", QByteArray("/bin/gzip \"$@\"; exit 1"), kPackage, 0);
+        row("gzip crashes", "gzip", QByteArray("kill -9 $$"), kPackage, 2);
+        row("gzip absent", "gzip", QByteArray(), kPackage, 2);
+        row("blank in a name", QString(), QByteArray(), kPackage, 0);
+        row("no place for the archive", QString(), QByteArray(), "/proc/none/x.tgz", 1);
     }
 
     void keepsFilesOfBadArchive() {

@@ -2,6 +2,7 @@
 
 #include "nvh/packaging/NvhPackageManager.h"
 #include "tests/support/MachineTest.h"
+#include "tests/support/Rows.h"
 #include "tests/support/ScriptedServer.h"
 
 namespace {
@@ -42,21 +43,18 @@ private slots:
         upload(package);
         QVERIFY(waitFor("> updateFeedbackLabel Well driven"));
         const QString payload = "{\"url\":\"http://store/one.tgz and more\"}";
-        const QString uploadCommand =
-            "curl -i -X POST --retry 3 --connect-timeout 10 -m 60 -H \"Content-Type: "
-            "multipart/form-data\" -F \"data=@%1\" %2 ";
-        const QString postCommand =
-            "curl [-i, -X, POST, --retry, 3, --connect-timeout, 10, -m, 20, -H, Content-Type: "
-            "application/json, -d, %1, %2] ";
-        QCOMPARE(mJournal->entries(),
-                 QStringList({"> packageUploadStart", "INFO Uploading: " + package + " 1e-05 MB ",
-                              "INFO Executing: " + uploadCommand.arg(package, mServer->url("/vdt/upload")),
-                              "INFO parsePackageUploadResponse Upload Success! " + kStored + " ",
-                              "> packageUploadSuccess", "INFO Adding File Metadata to Sonvara API... ",
-                              "INFO Payload: " + payload + " ", "> metadataUploadStart",
-                              "INFO Exec: " + postCommand.arg(payload, mServer->url("/vdt/sonvara_files")),
-                              "INFO Sonvara API:  " + kPosted + " ", "INFO Metadata Posted! ", "INFO Well driven ",
-                              "> metadataUploadSuccess", "> updateFeedbackLabel Well driven"}));
+        const QString expected =
+            "> packageUploadStart|INFO Uploading: %1 1e-05 MB |"
+            "INFO Executing: curl -i -X POST --retry 3 --connect-timeout 10 -m 60 -H \"Content-Type: "
+            "multipart/form-data\" -F \"data=@%1\" %2 |INFO parsePackageUploadResponse Upload Success! %3 |"
+            "> packageUploadSuccess|INFO Adding File Metadata to Sonvara API... |INFO Payload: %4 |"
+            "> metadataUploadStart|INFO Exec: curl [-i, -X, POST, --retry, 3, --connect-timeout, 10, -m, 20, -H, "
+            "Content-Type: application/json, -d, %4, %5] |INFO Sonvara API:  %6 |INFO Metadata Posted! |"
+            "INFO Well driven |> metadataUploadSuccess|> updateFeedbackLabel Well driven";
+        QCOMPARE(mJournal->entries(), expected
+                                          .arg(package, mServer->url("/vdt/upload"), kStored, payload,
+                                               mServer->url("/vdt/sonvara_files"), kPosted)
+                                          .split('|'));
         QVERIFY(!QFileInfo::exists(package));
         QCOMPARE(mManager->getUploadSuccessCount(), 1);
         const QByteArray stored = mServer->requests().value(0);
@@ -68,61 +66,58 @@ private slots:
     }
 
     void judgesUploads_data() {
-        QTest::addColumn<QByteArray>("response");
-        QTest::addColumn<bool>("stored");
-        QTest::newRow("after an interim answer") << "HTTP/1.1 100 Continue\n\n" + kStored << true;
-        QTest::newRow("without a URL") << QByteArray("HTTP/1.1 200 OK\n\nhttps://store/one.tgz") << false;
-        QTest::newRow("another status") << QByteArray("HTTP/1.1 201 Created\n\nhttp://store/one.tgz") << false;
-        QTest::newRow("server at fault") << QByteArray("HTTP/1.1 500 Oh\n\nhttp://store/one.tgz") << false;
-        QTest::newRow("cut before the URL") << QByteArray("HTTP/1.1 200 OK\nContent-Length: 20\n\nhtt") << false;
-        QTest::newRow("cut in the URL") << QByteArray("HTTP/1.1 200 OK\nContent-Length: 20\n\nhttp://s") << false;
-        QTest::newRow("no answer") << QByteArray() << false;
-        QTest::newRow("refused") << QByteArray("refused") << false;
+        columns<QString, bool>("response", "stored");
+        row("after an interim answer", QString("HTTP/1.1 100 Continue\n\n" + kStored), true);
+        row("without a URL", "HTTP/1.1 200 OK\n\nhttps://store/one.tgz", false);
+        row("another status", "HTTP/1.1 201 Created\n\nhttp://store/one.tgz", false);
+        row("server at fault", "HTTP/1.1 500 Oh\n\nhttp://store/one.tgz", false);
+        row("cut before the URL", "HTTP/1.1 200 OK\nContent-Length: 20\n\nhtt", false);
+        row("cut in the URL", "HTTP/1.1 200 OK\nContent-Length: 20\n\nhttp://s", false);
+        row("no answer", "", false);
+        row("refused", "refused", false);
     }
 
     void judgesUploads() {
-        QFETCH(QByteArray, response);
+        QFETCH(QString, response);
         QFETCH(bool, stored);
         if (response == "refused")
             mServer->refuse();
         else
-            mServer->answer({response, response});
+            mServer->answer({response.toUtf8(), response.toUtf8()});
         const QString package = savePackage(1);
         upload(package);
         QVERIFY(waitFor(stored ? "> metadataUploadStart" : "> packageUploadFailure"));
         QCOMPARE(mJournal->count("> packageUploadSuccess"), stored ? 1 : 0);
         if (stored)
             return;
-        QVERIFY(mJournal->withPrefix("INFO parsePackageUploadResponse Upload Failed! ").size() == 1);
+        QCOMPARE(mJournal->withPrefix("INFO parsePackageUploadResponse Upload Failed! ").size(), 1);
         const QStringList signalled = mJournal->withPrefix("> ");
-        QCOMPARE(signalled.size(), 4);
         QCOMPARE(signalled[0], "> packageUploadStart");
         QVERIFY(signalled[1].startsWith("> updateFeedbackLabel Package upload failed\n"));
-        QVERIFY(signalled[1].endsWith(QString(response == "refused" ? "\n" : response)));
+        QVERIFY(signalled[1].endsWith(response == "refused" ? "\n" : response));
         QCOMPARE(signalled.mid(2), QStringList({"> packageUploadFailure", "> packageManagerFailure"}));
         QCOMPARE(mManager->getUploadFailCount(), 1);
         QCOMPARE(readFile(package), QByteArray("package 1\n"));
     }
 
     void judgesPosts_data() {
-        QTest::addColumn<QByteArray>("response");
-        QTest::addColumn<QString>("feedback");
+        columns<QString, QString>("response", "feedback");
         const QString none = "No live feedback available.";
-        QTest::newRow("blanks") << QByteArray("HTTP/1.1 201 Made\n\n{\"VDT Feedback\": \" \\n \"}") << none;
-        QTest::newRow("between blanks") << QByteArray("HTTP/1.1 201\n\n{\"VDT Feedback\": \" good \"}") << " good ";
-        QTest::newRow("umlaut") << QByteArray("HTTP/1.1 201\n\n{\"VDT Feedback\": \"g\\u00f6ö\"}") << "göö";
-        QTest::newRow("another member") << QByteArray("HTTP/1.1 201 Created\n\n{\"Feedback\": \"x\"}") << none;
-        QTest::newRow("no JSON") << QByteArray("HTTP/1.1 201 Created\n\n{VDT Feedback") << none;
-        QTest::newRow("200") << QByteArray("HTTP/1.1 200 OK\n\n{\"VDT Feedback\": \"x\"}") << QString();
-        QTest::newRow("cut") << QByteArray("HTTP/1.1 201 Created\nContent-Length: 99\n\n{\"VDT F") << QString();
-        QTest::newRow("no answer") << QByteArray() << QString();
+        row("blanks", "HTTP/1.1 201 Made\n\n{\"VDT Feedback\": \" \\n \"}", none);
+        row("between blanks", "HTTP/1.1 201\n\n{\"VDT Feedback\": \" good \"}", " good ");
+        row("umlaut", "HTTP/1.1 201\n\n{\"VDT Feedback\": \"g\\u00f6ö\"}", "göö");
+        row("another member", "HTTP/1.1 201 Created\n\n{\"Feedback\": \"x\"}", none);
+        row("no JSON", "HTTP/1.1 201 Created\n\n{VDT Feedback", none);
+        row("200", "HTTP/1.1 200 OK\n\n{\"VDT Feedback\": \"x\"}", QString());
+        row("cut", "HTTP/1.1 201 Created\nContent-Length: 99\n\n{\"VDT F", QString());
+        row("no answer", "", QString());
     }
 
     void judgesPosts() {
-        QFETCH(QByteArray, response);
+        QFETCH(QString, response);
         QFETCH(QString, feedback);
         const bool posted = !feedback.isEmpty();
-        mServer->answer({kStored, response});
+        mServer->answer({kStored, response.toUtf8()});
         const QString package = savePackage(1);
         upload(package);
         QTRY_COMPARE(mJournal->withPrefix("> ").size(), 5);
@@ -136,9 +131,9 @@ private slots:
     }
 
     void reportsAbsentCurl_data() {
-        QTest::addColumn<bool>("forPost");
-        QTest::newRow("upload") << false;
-        QTest::newRow("post") << true;
+        columns<bool>("forPost");
+        row("upload", false);
+        row("post", true);
     }
 
     void reportsAbsentCurl() {
