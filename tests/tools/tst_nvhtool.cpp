@@ -33,7 +33,7 @@ private slots:
     }
 
     void savesTimedRun() {
-        writeFile("/tmp/recorder-trace.csv", "t_s,VAPI_motorRPM\n0,100.0\n0.2,200.0\n0.4,300.0\n");
+        writeFile("/tmp/recorder-trace.csv", "t_s,VAPI_motorRPM\n0,100.0\n0.4,200.5\n0.6,300.0\n");
         QCOMPARE(run({"record", "--type", "65 MPH", "--seconds", "1", "--clunk", "--save", "--set", "VAPI_trim=3",
                       "--trace", "/tmp/recorder-trace.csv"}),
                  0);
@@ -43,7 +43,8 @@ private slots:
                      .hasMatch(),
                  qPrintable(package));
         QVERIFY(archiveMember(package, "tmp/recording.wav").size() > 500000);
-        QCOMPARE(archiveMember(package, "tmp/nvh-rpm.txt").count('\n'), 3);
+        const QString log = archiveMember(package, "tmp/nvh-rpm.txt");
+        QVERIFY2(QRegularExpression("(^|\n)\\d+, 200\n\\d+, 300\n$").match(log).hasMatch(), qPrintable(log));
         QCOMPARE(run({"packages"}), 0);
         QCOMPARE(mOutput, package + "\n");
     }

@@ -291,6 +291,8 @@ private slots:
         worker.start();
         QVERIFY(recorderWrites());
         worker.stop();
+        QTRY_VERIFY(QFileInfo::exists("/tmp/recorder-told"));
+        worker.stopAudioRecording();
         mJournal->clear();
         if (request == "start")
             worker.start();
