@@ -58,7 +58,7 @@ private:
 
 bool CandumpReader::readLine(const QByteArray& line) {
     ++mLineNumber;
-    if (line.size() == kMostLineBytes)
+    if (line.size() > kMostLineBytes)
         return fail(QStringLiteral("too long for a line of a log"));
     const std::string_view text = withoutLineEnd(line);
     if (text.find_first_not_of(' ') == std::string_view::npos)
@@ -137,7 +137,7 @@ std::optional<CandumpLog> CandumpLog::read(const QString& path, const Buses& bus
 std::optional<CandumpLog> CandumpLog::read(QIODevice& device, const QString& name, const Buses& buses, QString* error) {
     CandumpReader reader(buses, name);
     while (true) {
-        const QByteArray line = device.readLine(kMostLineBytes);
+        const QByteArray line = device.readLine(kMostLineBytes + 2);
         if (line.isEmpty())
             break;
         if (!reader.readLine(line)) {

@@ -54,7 +54,8 @@ public:
 
     Faults(const Probabilities& probabilities, std::uint64_t seed, int delayMs);
 
-    // What is to be sent in place of `bytes`, which are not empty: nothing, or one or two of something.
+    // What is to be sent in place of `bytes`, one whole acknowledgement or datagram of frames: nothing, or one or two
+    // of something.
     std::vector<Parcel> strike(Channel channel, const QByteArray& bytes);
 
     // How often the fault has struck.
