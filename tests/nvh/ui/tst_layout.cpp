@@ -53,6 +53,8 @@ void TestLayout::showsWidgets_data() {
     }
     for (int mode : {AppModeVdt, AppModeService})
         row(mode, "mFeedbackTitle", "Orvanta Feedback", 90, 15);
+    row(AppModeNvh, "mTitleLabel", "NVH v3.0", 0, 0);
+    row(AppModeNvh, "mModeSwitch", "NVH,VDT,SERVICE", 0, 0);
     row(AppModeNvh, "mDurationCaption", "Duration", 40, 15);
     row(AppModeNvh, "mDurationSwitch", "Manual,5 Sec,10 Sec,15 Sec,20 Sec,30  Sec,45 sec,60 Sec", 25, 25);
     row(AppModeNvh, "mTestTypeSwitch",
@@ -153,6 +155,8 @@ void TestLayout::survivesConditionsFile() {
         AppScreen screen(AppModeService, directory);
         QCOMPARE(screen.view<TableView>("mVsmTable")->rowCount(), file.value());
         screen.setSwitch("mVsmSwitch", "ON");
+        if (file.value() == 2)
+            QCOMPARE(screen.text("mVsmStatus1"), QString("AUTO"));
     }
 }
 
