@@ -27,7 +27,10 @@ void vdtTestCell::populate() {
         mMarkSwitch->setSwitchType(SlideSwitch::Row);
         mMarkSwitch->move(kLeft, kSwitchTop);
     }
-    mNameLabel->resize(width() - kLeft, kNameHeight);
+    // A name that does not fit into its line takes the room down to the switch.
+    mNameLabel->resizeToFit(width() - kLeft);
+    const bool fits = mNameLabel->height() <= kNameHeight;
+    mNameLabel->resize(width() - kLeft, fits ? kNameHeight : kSwitchTop - kNameTop);
     mNameLabel->move(kLeft, kNameTop);
 }
 
