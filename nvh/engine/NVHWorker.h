@@ -149,12 +149,16 @@ private:
     bool recorderIsEnding() const;
     bool isSettled() const;
     void failRecording(const QString& output);
+    // Puts what the recorder has left in place. True if it is a test recording now.
+    bool fileTestRecording(bool endedByItself);
     void beginRun();
     void startMicCheck();
     void releaseMicCheck();
     // Carries out what was asked for while a child of the run before was still ending.
     void resumeWhatWaited();
     void removeRecordedFiles();
+    // Moves the capture of a recorder that is gone into place.
+    void fileCapture(const QString& target);
 
     // Declared in the order in which they are made; the threads go last.
     QThread mNvhCanEthThread;
@@ -181,9 +185,11 @@ private:
     SingleShotTimer mMicCheckTimer;
     std::array<QPointer<NvhValueLogger>, 3> mLoggers;  // on their threads; delete themselves when they have finished
     bool mRecorderTerminated = false;                  // told to stop, not gone yet
+    bool mRecorderServesRun = false;                   // not a side clip
     bool mRunWanted = false;                           // to be begun when the last one's results are packed
     bool mRecorderWanted = false;                      // to be started when the last one is gone
     bool mResultsWanted = false;                       // to be packed when recorder and microphone check are gone
+    QString mLateTarget;                               // where the capture goes when its recorder is gone
     bool mCaptureDiscarded = false;                    // the capture of the recorder that is ending is not wanted
     QDateTime mCaptureBefore;  // when the capture file was last written before the recorder was started
     std::vector<std::function<void()>> mWhenSettled;

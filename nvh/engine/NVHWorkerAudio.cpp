@@ -11,6 +11,7 @@
 #include <QtEndian>
 
 #include <sys/stat.h>
+#include <utility>
 
 namespace {
 
@@ -31,6 +32,7 @@ void NVHWorker::startAudioRecording() {
     if (!mRecorder)
         mRecorder = makeProcess(&NVHWorker::arecord_done, &NVHWorker::arecord_error);
     mRecorderTerminated = false;
+    mRecorderServesRun = mRunning;
     mCaptureBefore = captureWrittenAt();
     startProcess(mRecorder, QStringLiteral("/usr/bin/arecord"),
                  {"-Dapp_in_diagnostic", "-c8", "-r48000", "-fS16_LE", "-N", cCapturingFileName.value()});
@@ -55,25 +57,43 @@ void NVHWorker::arecord_done() {
         return;
     const QString output = QString::fromLocal8Bit(mRecorder->readAll());
     Logger(this, "INFO") << "arecord:" << output;
-    const bool endedByItself = mRunning && !mRecorderTerminated;
-    const QDateTime writtenAt = captureWrittenAt();
-    // A recorder that leaves at once may leave another one's file behind.
-    const bool capturedNothing = !writtenAt.isValid() || (endedByItself && writtenAt == mCaptureBefore);
+    const bool endedByItself = !mRecorderTerminated;
+    const bool endedRun = endedByItself && mRunning;
+    // The report must not turn up in a run that has begun meanwhile.
+    const bool reportWanted = !mCaptureDiscarded && (!mRunning || endedRun || mResultsWanted);
     mRecorder = nullptr;
     mRecorderTerminated = false;
-    if (mCaptureDiscarded)
-        QFile::remove(cCapturingFileName.value());
-    else if (!capturedNothing || !writtenAt.isValid())
-        processRecording(RecordingTest);
+    const bool filed = fileTestRecording(endedByItself);
     // Without a device or with a full disk the recorder leaves by itself; nobody must go on driving for nothing.
-    if (endedByItself)
+    if (endedRun)
         failRecording(output);
-    // The report must not turn up in a run that has begun meanwhile.
-    const bool reportWanted = !mCaptureDiscarded && (!mRunning || mResultsWanted);
-    if (mTestType == QLatin1String("Mic Test") && !capturedNothing && reportWanted)
+    if (mTestType == QLatin1String("Mic Test") && filed && reportWanted)
         startMicCheck();
     mCaptureDiscarded = false;
     resumeWhatWaited();
+}
+
+bool NVHWorker::fileTestRecording(bool endedByItself) {
+    const QString capture = cCapturingFileName.value();
+    const QDateTime writtenAt = captureWrittenAt();
+    if (mCaptureDiscarded) {
+        QFile::remove(capture);
+        return false;
+    }
+    if (!mLateTarget.isEmpty()) {
+        fileCapture(std::exchange(mLateTarget, QString()));
+        return false;
+    }
+    // A recorder that leaves at once may leave another one's file behind.
+    if (endedByItself && writtenAt.isValid() && writtenAt == mCaptureBefore)
+        return false;
+    // A clip whose recorder left early is filed when its time is over; it must not cost the test recording.
+    if (endedByItself && !mRecorderServesRun && QFile::exists(cRecordingFilename.value())) {
+        Logger(this, "ERROR") << "The recorder left before its time, keeping" << cRecordingFilename.value();
+        return false;
+    }
+    processRecording(RecordingTest);
+    return writtenAt.isValid();
 }
 
 void NVHWorker::arecord_error() {

@@ -18,16 +18,17 @@ QString sixDigits(double value) {
     return QString::number(value, 'g', 6);
 }
 
+bool renameOver(const QString& from, const QString& to) {
+    return std::rename(QFile::encodeName(from).constData(), QFile::encodeName(to).constData()) == 0;
+}
+
 // Moves a file over another one. The old one goes only when the new one is complete, also across file systems.
 bool replaceFile(const QString& from, const QString& to) {
-    const auto renameOver = [&to](const QString& file) {
-        return std::rename(QFile::encodeName(file).constData(), QFile::encodeName(to).constData()) == 0;
-    };
-    if (renameOver(from))
+    if (renameOver(from, to))
         return true;
     const QString part = to + QLatin1String(".part");
     QFile::remove(part);
-    if (!QFile::copy(from, part) || !renameOver(part)) {
+    if (!QFile::copy(from, part) || !renameOver(part, to)) {
         QFile::remove(part);
         return false;
     }
@@ -69,6 +70,17 @@ void NVHWorker::processRecording(RECORDING_TYPE type) {
         Logger(this, "ERROR") << "No capture file" << capture << "- keeping" << target;
         return;
     }
+    // A recorder completes its file wherever that is moved, but not a copy of it on another file system.
+    if (recorderIsEnding()) {
+        if (!renameOver(capture, target))
+            mLateTarget = target;
+        return;
+    }
+    fileCapture(target);
+}
+
+void NVHWorker::fileCapture(const QString& target) {
+    const QString capture = cCapturingFileName.value();
     if (!replaceFile(capture, target))
         Logger(this, "ERROR") << "Cannot move" << capture << "to" << target;
 }

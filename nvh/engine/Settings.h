@@ -61,7 +61,7 @@ NVH_EXPORT extern const char* const NVHAppVersion;
 NVH_EXPORT extern QMap<QString, QString> testTypesVsTags;
 
 // What the application is used for. Any other number counts as the full recorder.
-enum AppMode {
+enum AppMode : int {
     AppModeNvh = 0,      // the full recorder
     AppModeVdt = 1,      // the recorder with the list of static vehicle tests
     AppModeService = 2,  // the reduced recorder for service technicians

@@ -170,7 +170,8 @@ private slots:
         for (const QString& file : {log, QString("/tmp/notes.wav"), QString("/tmp/nvh-datavalues.txt")})
             QVERIFY2(!QFileInfo::exists(file), qPrintable(file));
         QVERIFY(waitFor("INFO processRecording "));
-        QTRY_COMPARE(threadCount(), threads);
+        QTRY_VERIFY2(threadCount() <= threads,
+                     qPrintable(QString::number(threadCount())));  // one from before may have ended
         ::close(reader);
 
         mJournal->clear();
@@ -231,7 +232,8 @@ private slots:
         worker.reset();
         QVERIFY2(clock.elapsed() < 2600, qPrintable(QString::number(clock.elapsed())));
         QCOMPARE(childPrograms(), QStringList());
-        QTRY_COMPARE(threadCount(), threads);
+        QTRY_VERIFY2(threadCount() <= threads,
+                     qPrintable(QString::number(threadCount())));  // one from before may have ended
         QCOMPARE(mJournal->withPrefix("> "), QStringList());
         // An archive is there only if it is complete.
         QCOMPARE(QFileInfo::exists(package), stage == "upload" || stage == "post");
