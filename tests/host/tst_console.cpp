@@ -17,7 +17,6 @@ class TestConsole : public QObject {
 private slots:
     void initTestCase() { HostServices::addNamedValues(); }
     void init();
-    void everyValueCanBeMadeValidAndInvalid_data();
     void everyValueCanBeMadeValidAndInvalid();
     void playsTheCar();
     void followsWhatOthersSet();
@@ -45,32 +44,25 @@ void TestConsole::init() {
     QTest::mouseClick(mConsole->findChild<QPushButton*>(QStringLiteral("allInvalid")), Qt::LeftButton);
 }
 
-void TestConsole::everyValueCanBeMadeValidAndInvalid_data() {
-    QTest::addColumn<QString>("valid");
-    QTest::newRow("VAPI_brakePedal") << "false";
-    QTest::newRow("VAPI_signedVehicleSpeed") << "0.0";
-    QTest::newRow("VAPI_torqueCmd") << "0.0";
-    QTest::newRow("VAPI_motorRPM") << "0.0";
-    QTest::newRow("HVAC_outsideTemp") << "20.0";
-    QTest::newRow("HVAC_insideTemp") << "20.0";
-    for (const char* tyre : {"FL", "FR", "RL", "RR"})
-        QTest::newRow(qPrintable(QStringLiteral("TPMS_pressure") + QLatin1String(tyre))) << "2.9";
-    for (const char* button : {"Top", "Middle", "Bottom"})
-        QTest::newRow(qPrintable(QStringLiteral("STW_left") + QLatin1String(button))) << "false";
-    QTest::newRow("STW_leftScroll") << "0";
-    QTest::newRow("GUI_steeringWheelControlsMode") << "0";
-}
-
 void TestConsole::everyValueCanBeMadeValidAndInvalid() {
-    QFETCH(QString, valid);
-    const char* name = QTest::currentDataTag();
-    QCOMPARE(text(name), QStringLiteral("Invalid"));
-    auto* box = part<QCheckBox>(name);
-    QVERIFY(!box->isChecked());
-    box->click();
-    QCOMPARE(text(name), valid);
-    box->click();
-    QCOMPARE(text(name), QStringLiteral("Invalid"));
+    const std::pair<QString, std::vector<const char*>> values[] = {
+        {"false", {"VAPI_brakePedal", "STW_leftTop", "STW_leftMiddle", "STW_leftBottom"}},
+        {"0.0", {"VAPI_signedVehicleSpeed", "VAPI_torqueCmd", "VAPI_motorRPM"}},
+        {"0", {"STW_leftScroll", "GUI_steeringWheelControlsMode"}},
+        {"20.0", {"HVAC_outsideTemp", "HVAC_insideTemp"}},
+        {"2.9", {"TPMS_pressureFL", "TPMS_pressureFR", "TPMS_pressureRL", "TPMS_pressureRR"}},
+    };
+    for (const auto& [valid, names] : values) {
+        for (const char* name : names) {
+            QVERIFY2(text(name) == QStringLiteral("Invalid"), name);
+            auto* box = part<QCheckBox>(name);
+            QVERIFY2(!box->isChecked(), name);
+            box->click();
+            QVERIFY2(text(name) == valid, name);
+            box->click();
+            QVERIFY2(text(name) == QStringLiteral("Invalid"), name);
+        }
+    }
 }
 
 void TestConsole::playsTheCar() {

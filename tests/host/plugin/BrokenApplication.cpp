@@ -15,8 +15,4 @@ extern "C" Q_DECL_EXPORT DisplayView* LoadPlugin(AppInfo*, DisplayView*) {
 extern "C" Q_DECL_EXPORT DisplayView* LoadPlugin(AppInfo*, DisplayView*) {
     throw std::runtime_error("no such skin");
 }
-#elif defined(HAS_NO_ENTRY)
-extern "C" Q_DECL_EXPORT int StartPlugin() {
-    return 0;
-}
 #endif
