@@ -1,9 +1,9 @@
 #include "tests/HelixDash/views/Finger.h"
+#include "tests/support/Rows.h"
 
 #include <HelixDash/tables/TableCell.h>
 #include <HelixDash/tables/TableController.h>
 #include <HelixDash/tables/TableView.h>
-#include <HelixDash/views/LabelView.h>
 #include <HelixDash/views/SlideSwitch.h>
 
 #include <QSignalSpy>
@@ -16,14 +16,13 @@ constexpr int kRowHeight = 135;
 
 class Model : public TableModel {
 public:
-    explicit Model(int rows, const QString& title = {}) : mRows(rows), mTitle(title) {}
+    explicit Model(int rows) : mRows(rows) {}
     int sectionCount() const override { return 1; }
     int sectionItemCount(int) const override { return mRows; }
-    QString sectionTitle(int) const override { return mTitle; }
+    QString sectionTitle(int) const override { return {}; }
 
 private:
     int mRows;
-    QString mTitle;
 };
 
 class MarkCell : public TableCell {
@@ -58,33 +57,125 @@ public:
     int reused = 0;
 };
 
-class LabelController : public Controller {
-public:
-    bool createsCells() const override { return false; }
-    DisplayView* viewForParent(DisplayView* parent, const TableModelIndex& index) override {
-        return new LabelView(QString::number(index.row), parent);
-    }
-};
-
 }  // namespace
 
 class TestTableView : public QObject {
     Q_OBJECT
 
 private slots:
-    void init();
-    void cleanup();
+    // A table of which 125 of 425 pixels lie below the screen.
+    void init() {
+        mScreen = std::make_unique<DisplayView>();
+        mScreen->resize(600, 500);
+        mApp = new DisplayView(mScreen.get());
+        mApp->resize(600, 440);
+        mApp->move(0, 60);
+        mController = std::make_unique<Controller>();
+        mTable = new TableView(mApp);
+        mTable->setController(mController.get());
+        mTable->setModel(&mModel);
+        mTable->resize(425, 425);
+        mTable->move(100, 140);
+        mScreen->show(true);
+        QVERIFY(QTest::qWaitForWindowExposed(mScreen.get()));
+    }
 
-    void makesAllRowsAtOnceAndKeepsThem();
-    void offersCellsOnlyInAReload();
-    void showsTitlesAndViews();
-    void scrollsTheLastRowIntoWhatCanBeSeen_data();
-    void scrollsTheLastRowIntoWhatCanBeSeen();
-    void fingerScrollsToTheEnd();
-    void gesturesOnASwitch_data();
-    void gesturesOnASwitch();
-    void tellsATouchedRow();
-    void staysAliveWhenDeletedInAGesture();
+    void cleanup() { mScreen.reset(); }
+
+    void makesAllRowsAtOnceAndOffersThemOnlyInAReload() {
+        QCOMPARE(cell(9)->geometry(), QRect(0, 9 * kRowHeight, 425, kRowHeight));
+        QCOMPARE(cell(9)->widths.count(425), 1);
+        MarkCell* marked = cell(1);
+        marked->mark->setPosition(2);
+        mTable->scrollToRow(9);
+        mTable->scrollToRow(0);
+        QCOMPARE(mController->reused, 0);
+        mTable->reload();
+        QCOMPARE(mController->reused, 10);
+        QCOMPARE(cell(1), marked);
+        QCOMPARE(cell(1)->mark->position(), 2);
+        QCOMPARE(mTable->dequeUnusedCell("mark"), nullptr);
+        Model fewer(3);
+        mTable->setModel(&fewer);
+        QCOMPARE(mController->reused, 10);
+    }
+
+    void scrollsTheLastRowIntoWhatCanBeSeen_data() {
+        columns<int>("rows");
+        row("many", 10);
+        row("as many as the table would hold", 3);
+        row("all in sight", 2);
+    }
+
+    void scrollsTheLastRowIntoWhatCanBeSeen() {
+        QFETCH(int, rows);
+        Model model(rows);
+        mTable->setModel(&model);
+        for (int row : {rows - 1, 0, rows / 2}) {
+            mTable->scrollToRow(row);
+            QVERIFY2(mScreen->rect().contains(placeOf(cell(row))), qPrintable(QString::number(row)));
+        }
+        QCOMPARE(mTable->scrollRange(), qMax(0, rows * kRowHeight - 300));
+    }
+
+    void fingerScrollsToTheEnd() {
+        Finger finger(mScreen.get());
+        for (int i = 0; i < 20 && mTable->scrollPosition() < mTable->scrollRange(); ++i)
+            finger.drag(mTable, {200, 280}, {200, 20});
+        QTRY_VERIFY(mScreen->rect().contains(placeOf(cell(9))));
+        for (int row = 0; row < 10; ++row)
+            QCOMPARE(cell(row)->mark->position(), 0);
+        QVERIFY(mController->selected.isEmpty());
+    }
+
+    void gesturesOnASwitch_data() {
+        columns<QPoint, int, bool, int, bool>("move", "held", "disabled", "position", "scrolls");
+        row("quick tap", QPoint(), 0, false, 2, false);
+        row("slow tap", QPoint(), 200, false, 2, false);
+        row("quick drag sideways", QPoint(-140, 0), 0, false, 1, false);
+        row("slow drag sideways", QPoint(-140, 0), 200, false, 1, false);
+        row("quick drag up", QPoint(0, -120), 0, false, 0, true);
+        row("slow drag up", QPoint(0, -120), 200, false, 0, true);
+        row("disabled, tap", QPoint(), 0, true, 0, false);
+        row("disabled, drag up", QPoint(0, -120), 0, true, 0, false);
+    }
+
+    void gesturesOnASwitch() {
+        QFETCH(QPoint, move);
+        QFETCH(int, held);
+        QFETCH(bool, disabled);
+        SlideSwitch* mark = cell(1)->mark;
+        QSignalSpy changed(mark, &SwitchControl::positionChanged);
+        mTable->setEnabled(!disabled);
+        const QImage atRest = mark->grab().toImage();
+        const QPoint from = mark->mapTo(mScreen.get(), mark->itemPlace(2).center());
+        Finger finger(mScreen.get());
+        finger.press(mScreen.get(), from);
+        QTest::qWait(held);  // the finger rests
+        finger.go(mScreen.get(), from, from + move);
+        finger.lift(mScreen.get(), from + move);
+        QTEST(mark->position(), "position");
+        QCOMPARE(int(changed.count()), mark->position() == 0 ? 0 : 1);
+        QTEST(mTable->scrollPosition() > 0, "scrolls");
+        QTRY_COMPARE(mark->grab().toImage() == atRest, mark->position() == 0);
+        QVERIFY(mController->selected.isEmpty());
+    }
+
+    void tellsATouchedRow() {
+        Finger(mScreen.get()).tap(cell(1), {300, 20});
+        QTRY_COMPARE(mController->selected, QList<int>{1});
+    }
+
+    void staysAliveWhenDeletedInAGesture() {
+        Finger finger(mScreen.get());
+        finger.press(mTable, {200, 280});
+        finger.go(mTable, {200, 280}, {200, 150});
+        const QPoint place = mTable->pos();
+        delete mTable;
+        finger.moveTo(mApp, place + QPoint(200, 100));
+        finger.lift(mApp, place + QPoint(200, 100));
+        QCOMPARE(mApp->childViews().size(), 0);
+    }
 
 private:
     MarkCell* cell(int row) const { return static_cast<MarkCell*>(mTable->cellAt(row)); }
@@ -95,157 +186,8 @@ private:
     DisplayView* mApp = nullptr;
     TableView* mTable = nullptr;
     std::unique_ptr<Controller> mController;
-    std::unique_ptr<Model> mModel;
+    Model mModel{10};
 };
-
-// A table of which 125 of 425 pixels lie below the screen.
-void TestTableView::init() {
-    mScreen = std::make_unique<DisplayView>();
-    mScreen->resize(600, 500);
-    mApp = new DisplayView(mScreen.get());
-    mApp->resize(600, 440);
-    mApp->move(0, 60);
-    mController = std::make_unique<Controller>();
-    mModel = std::make_unique<Model>(10);
-    mTable = new TableView(mApp);
-    mTable->setController(mController.get());
-    mTable->setModel(mModel.get());
-    mTable->resize(425, 425);
-    mTable->move(100, 140);
-    mScreen->show(true);
-    QVERIFY(QTest::qWaitForWindowExposed(mScreen.get()));
-}
-
-void TestTableView::cleanup() {
-    mScreen.reset();
-    mModel.reset();
-    mController.reset();
-}
-
-void TestTableView::makesAllRowsAtOnceAndKeepsThem() {
-    QCOMPARE(mTable->rowCount(), 10);
-    QCOMPARE(cell(9)->geometry(), QRect(0, 9 * kRowHeight, 425, kRowHeight));
-    QCOMPARE(cell(9)->widths.last(), 425);
-    QCOMPARE(cell(9)->widths.count(425), 1);
-    MarkCell* marked = cell(1);
-    marked->mark->setPosition(2);
-    mTable->scrollToRow(9);
-    mTable->scrollToRow(0);
-    QCOMPARE(cell(1), marked);
-    QCOMPARE(cell(1)->mark->position(), 2);
-    QCOMPARE(mTable->cellAt(10), nullptr);
-}
-
-void TestTableView::offersCellsOnlyInAReload() {
-    QCOMPARE(mController->reused, 0);
-    MarkCell* first = cell(0);
-    first->mark->setPosition(1);
-    mTable->reload();
-    QCOMPARE(mController->reused, 10);
-    QCOMPARE(cell(0), first);
-    QCOMPARE(cell(0)->mark->position(), 1);
-    QCOMPARE(mTable->dequeUnusedCell("mark"), nullptr);
-    Model fewer(3);
-    mTable->setModel(&fewer);
-    QCOMPARE(mController->reused, 10);
-}
-
-void TestTableView::showsTitlesAndViews() {
-    LabelController controller;
-    Model titled(2, "Doors");
-    mTable->setController(&controller);
-    mTable->setModel(&titled);
-    QVERIFY(mTable->cellAt(0)->top() > 0);
-    QCOMPARE(mTable->cellAt(1)->top(), mTable->cellAt(0)->bottom());
-    const auto* label = qobject_cast<LabelView*>(mTable->cellAt(1)->contentView()->childViews().value(0));
-    QVERIFY(label && label->text() == "1");
-}
-
-void TestTableView::scrollsTheLastRowIntoWhatCanBeSeen_data() {
-    QTest::addColumn<int>("rows");
-    QTest::newRow("many") << 10;
-    QTest::newRow("as many as the table would hold") << 3;
-    QTest::newRow("all in sight") << 2;
-}
-
-void TestTableView::scrollsTheLastRowIntoWhatCanBeSeen() {
-    QFETCH(int, rows);
-    Model model(rows);
-    mTable->setModel(&model);
-    for (int row : {rows - 1, 0, rows / 2}) {
-        mTable->scrollToRow(row);
-        QVERIFY2(mScreen->rect().contains(placeOf(cell(row))), qPrintable(QString::number(row)));
-    }
-    QCOMPARE(mTable->scrollRange(), qMax(0, rows * kRowHeight - 300));
-}
-
-void TestTableView::fingerScrollsToTheEnd() {
-    Finger finger(mScreen.get());
-    for (int i = 0; i < 20 && mTable->scrollPosition() < mTable->scrollRange(); ++i)
-        finger.drag(mTable, {200, 280}, {200, 20});
-    QTRY_VERIFY(mScreen->rect().contains(placeOf(cell(9))));
-    for (int row = 0; row < 10; ++row)
-        QCOMPARE(cell(row)->mark->position(), 0);
-    QVERIFY(mController->selected.isEmpty());
-}
-
-void TestTableView::gesturesOnASwitch_data() {
-    QTest::addColumn<QPoint>("move");
-    QTest::addColumn<int>("held");  // ms between press and move
-    QTest::addColumn<bool>("disabled");
-    QTest::addColumn<int>("position");
-    QTest::addColumn<bool>("scrolls");
-    QTest::newRow("quick tap") << QPoint() << 0 << false << 2 << false;
-    QTest::newRow("slow tap") << QPoint() << 200 << false << 2 << false;
-    QTest::newRow("quick drag sideways") << QPoint(-140, 0) << 0 << false << 1 << false;
-    QTest::newRow("slow drag sideways") << QPoint(-140, 0) << 200 << false << 1 << false;
-    QTest::newRow("quick drag up") << QPoint(0, -120) << 0 << false << 0 << true;
-    QTest::newRow("slow drag up") << QPoint(0, -120) << 200 << false << 0 << true;
-    QTest::newRow("disabled, tap") << QPoint() << 0 << true << 0 << false;
-    QTest::newRow("disabled, drag up") << QPoint(0, -120) << 0 << true << 0 << false;
-}
-
-void TestTableView::gesturesOnASwitch() {
-    QFETCH(QPoint, move);
-    QFETCH(int, held);
-    QFETCH(bool, disabled);
-    SlideSwitch* mark = cell(1)->mark;
-    QSignalSpy changed(mark, &SwitchControl::positionChanged);
-    mTable->setEnabled(!disabled);
-    const QImage atRest = mark->grab().toImage();
-    const QPoint from = mark->mapTo(mScreen.get(), mark->itemPlace(2).center());
-    Finger finger(mScreen.get());
-    finger.press(mScreen.get(), from);
-    if (held)
-        QTest::qWait(held);  // the finger rests
-    finger.go(mScreen.get(), from, from + move);
-    finger.lift(mScreen.get(), from + move);
-    QTEST(mark->position(), "position");
-    QCOMPARE(int(changed.count()), mark->position() == 0 ? 0 : 1);
-    QTEST(mTable->scrollPosition() > 0, "scrolls");
-    QTRY_COMPARE(mark->grab().toImage() == atRest, mark->position() == 0);
-}
-
-void TestTableView::tellsATouchedRow() {
-    Finger finger(mScreen.get());
-    finger.tap(cell(1), {300, 20});
-    QTRY_COMPARE(mController->selected, QList<int>{1});
-    finger.tap(cell(0)->mark);
-    QTRY_COMPARE(cell(0)->mark->position(), 1);
-    QCOMPARE(mController->selected, QList<int>{1});
-}
-
-void TestTableView::staysAliveWhenDeletedInAGesture() {
-    Finger finger(mScreen.get());
-    finger.press(mTable, {200, 280});
-    finger.moveTo(mTable, {200, 200});
-    finger.moveTo(mTable, {200, 150});
-    const QPoint place = mTable->pos();
-    delete mTable;
-    finger.moveTo(mApp, place + QPoint(200, 100));
-    finger.lift(mApp, place + QPoint(200, 100));
-    QCOMPARE(mApp->childViews().size(), 0);
-}
 
 QTEST_MAIN(TestTableView)
 #include "tst_tableview.moc"

