@@ -42,7 +42,8 @@ private slots:
                      .match(package)
                      .hasMatch(),
                  qPrintable(package));
-        QVERIFY(archiveMember(package, "tmp/recording.wav").size() > 500000);
+        QCOMPARE(mErrors.filter(QRegularExpression("^nvh-tool: recorded 1\\.[0-9] s$")).size(), 1);
+        QVERIFY(archiveMember(package, "tmp/recording.wav").size() > 20000);
         const QString log = archiveMember(package, "tmp/nvh-rpm.txt");
         QVERIFY2(QRegularExpression("(^|\n)\\d+, 200\n\\d+, 300\n$").match(log).hasMatch(), qPrintable(log));
         QCOMPARE(run({"packages"}), 0);

@@ -170,18 +170,19 @@ private slots:
 
     void deletesWhatItPostedAndLetsOthersWait() {
         mServer->answer({kStored});
+        const auto holding =
+            connect(mManager.get(), &NvhPackageManager::metadataUploadStart, mServer.get(), &ScriptedServer::hold);
         upload(savePackage(1));
         QVERIFY(waitFor("> metadataUploadStart"));
-        mServer->hold();
         // Meanwhile another package is built, and is to be uploaded.
         build(2);
         QTRY_VERIFY(!mManager->isPackaging());
         QTRY_COMPARE(mServer->requests().size(), 2);
         QVERIFY(QFileInfo::exists(packagePath(1)) && QFileInfo::exists(packagePath(2)));
         mServer->answer({kPosted, kStored, kPosted});
+        disconnect(holding);
         mServer->release();
         QTRY_VERIFY(!QFileInfo::exists(packagePath(1)));
-        QVERIFY(QFileInfo::exists(packagePath(2)));
         QTRY_VERIFY(!QFileInfo::exists(packagePath(2)));
         QVERIFY(mServer->requests().value(2).contains("filename=\"TEST1VEHICLE00001-2.tgz\""));
     }
