@@ -5,9 +5,9 @@
 #include <QStringList>
 #include <QVariant>
 
-// The machine as a test of the recorder wants it, inside its private namespace: a recorder that needs no sound device,
-// the named data values, a configuration of its own, an empty /tmp. Anything else it is asked for, it refuses to run
-// outside such a namespace, since it replaces and removes programs.
+// The machine as a test of the recorder wants it: a recorder that needs no sound device, the named data values, a
+// configuration of its own, an empty /tmp. It replaces and removes programs, so it refuses to work anywhere but in a
+// private namespace.
 class PrivateMachine {
 public:
     static constexpr const char* kVin = "TEST1VEHICLE00001";

@@ -320,6 +320,33 @@ private slots:
         }
     }
 
+    void keepsClipAndTestRecordingApart_data() {
+        columns<QString>("clip");
+        row("on one file system", "/tmp/notes.wav");
+        row("on another one", "/dev/shm/nvh-test-notes.wav");
+    }
+
+    // A clip is moved while its recorder still completes it.
+    void keepsClipAndTestRecordingApart() {
+        QFETCH(QString, clip);
+        mMachine.reset("slow");
+        configure("nvh/notesRecordingFilename", clip);
+        writeFile(kRecording, "recorded before");
+        WatchedEngine worker(*mJournal);
+        worker.startAudioRecording();
+        QVERIFY(recorderWrites());
+        worker.stopAudioRecording();
+        worker.processRecording(RecordingNotes);
+        writeFile("/tmp/recorder-may-end", QByteArray());
+        QVERIFY(waitFor("INFO arecord: Aborted by signal Terminated...\n "));
+        const QByteArray sound = readFile(clip);
+        QFile::remove(clip);
+        QVERIFY(sound.size() > 20000);
+        QCOMPARE(qFromLittleEndian<quint32>(sound.constData() + 40), quint32(sound.size() - 44));
+        QCOMPARE(readFile(kRecording), QByteArray("recorded before"));
+        QVERIFY(!QFileInfo::exists(mMachine.kCapture));
+    }
+
     void packsLastRunBeforeNextOneStarts_data() {
         columns<QString>("testType");
         row("while its recorder ends", "65 MPH");
