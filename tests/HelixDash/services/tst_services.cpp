@@ -5,7 +5,9 @@
 #include <HelixDash/services/ConfigStore.h>
 #include <HelixDash/services/ConfigValue.h>
 #include <HelixDash/services/Logger.h>
+#include <HelixDash/services/SingleShotTimer.h>
 
+#include <QElapsedTimer>
 #include <QFile>
 #include <QTemporaryDir>
 #include <QTest>
@@ -86,6 +88,19 @@ private slots:
         Logger(this, "ERROR", true, sink) << "\xe4";
         QCOMPARE(sunk, QStringList(QString::fromUtf8("ERRORä flag")));
         QCOMPARE(mLines.size(), 2);
+    }
+
+    void timerServesWhatItWasArmedForLast() {
+        SingleShotTimer timer;
+        QTimer replaced;
+        QTimer wanted;
+        QElapsedTimer clock;
+        clock.start();
+        timer.start(1, &replaced, qOverload<>(&QTimer::start));
+        timer.start(30, &wanted, qOverload<>(&QTimer::start));
+        QTRY_VERIFY(wanted.isActive());
+        QVERIFY(clock.elapsed() >= 30);
+        QVERIFY(!replaced.isActive());
     }
 
     void takesMessagesFromManyThreads() {
