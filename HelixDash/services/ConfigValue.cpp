@@ -9,8 +9,7 @@ namespace {
 
 // A comma in an INI value makes a list of it; a setting is always one text here, most often a path or an address.
 QString textOf(const QVariant& value) {
-    return value.userType() == QMetaType::QStringList ? value.toStringList().join(QLatin1Char(','))
-                                                      : value.toString();
+    return value.userType() == QMetaType::QStringList ? value.toStringList().join(QLatin1Char(',')) : value.toString();
 }
 
 void reportUnfit(const QString& key, const QString& text, const char* wanted) {
