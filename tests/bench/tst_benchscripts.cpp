@@ -3,7 +3,6 @@
 #include "tests/bench/ProgramRun.h"
 
 #include <QDir>
-#include <QFile>
 #include <QProcess>
 #include <QSettings>
 #include <QTemporaryDir>
@@ -59,11 +58,8 @@ int TestBenchScripts::bench(const QString& script, const QStringList& arguments)
 QMap<QString, int> TestBenchScripts::running() const {
     QMap<QString, int> found;
     const QDir state(mState);
-    for (const QString& name : state.entryList({"*.pid"})) {
-        QFile file(state.filePath(name));
-        if (file.open(QIODevice::ReadOnly))
-            found.insert(name.chopped(4), file.readAll().split(' ').first().toInt());
-    }
+    for (const QString& name : state.entryList({"*.pid"}))
+        found.insert(name.chopped(4), readFile(state.filePath(name)).split(' ').first().toInt());
     return found;
 }
 
@@ -82,9 +78,7 @@ void TestBenchScripts::recordsTheCabin() {
         recorder.terminate();
         QVERIFY(recorder.waitForFinished(5000));
 
-        QFile file(wav);
-        QVERIFY(file.open(QIODevice::ReadOnly));
-        const QByteArray samples = file.readAll().mid(44);
+        const QByteArray samples = readFile(wav).mid(44);
         const int frames = int(samples.size()) / 16;
         QVERIFY2(frames > 1.7 * 48000 && frames < 2.1 * 48000, qPrintable(QString::number(frames)));
         const auto* const raw = reinterpret_cast<const qint16*>(samples.constData());
@@ -113,10 +107,8 @@ void TestBenchScripts::leavesAloneWhatRuns() {
 }
 
 void TestBenchScripts::endsWhatItStartedWhenSomethingFails() {
-    QFile trace(mPlace->filePath("torn.csv"));
-    QVERIFY(trace.open(QIODevice::WriteOnly) && trace.write("t_s,VAPI_motorRPM\n0,1\n1,x\n") > 0);
-    trace.close();
-    QCOMPARE(bench("up", {"--port", "0", "--trace", trace.fileName()}), 1);
+    const QString trace = writeFile(mPlace->filePath("torn.csv"), "t_s,VAPI_motorRPM\n0,1\n1,x\n");
+    QCOMPARE(bench("up", {"--port", "0", "--trace", trace}), 1);
     QVERIFY2(mSaid.contains("torn.csv:3:"), mSaid.constData());
     QVERIFY(running().isEmpty());
     QVERIFY(!QFile::exists(mState + "/pulse/native"));

@@ -1,10 +1,9 @@
 // gateway-sim as a client meets it: the real program, sockets of the test's own, and bytes spelled out.
 
-#include "bench/gateway/Faults.h"
 #include "tests/bench/ProgramRun.h"
+#include "tests/support/Rows.h"
 
 #include <QElapsedTimer>
-#include <QFile>
 #include <QProcess>
 #include <QRandomGenerator>
 #include <QRegularExpression>
@@ -13,7 +12,6 @@
 #include <QtEndian>
 #include <QtTest>
 
-#include <array>
 #include <memory>
 
 // Bus 1, id 0x108.
@@ -32,19 +30,13 @@ private slots:
     void spellsTheWire();
     void forwardsWhatIsAskedFor_data();
     void forwardsWhatIsAskedFor();
-    void keepsAPace_data();
-    void keepsAPace();
     void sendsAMotorSpeed();
-    void beginsAnewForAnotherClient();
     void suffersFaults_data();
     void suffersFaults();
     void survivesAnything();
-    void refusesUnusableArguments_data();
-    void refusesUnusableArguments();
 
 private:
-    QStringList filled(QString arguments, const QByteArray& content) const;
-    void start(const QString& arguments, const QByteArray& content);
+    void start(QString arguments, const QByteArray& source);
     QByteArray end();
     void send(const QByteArray& hex) { send(mControl, QByteArray::fromHex(hex)); }
     void send(QUdpSocket& from, const QByteArray& bytes) { from.writeDatagram(bytes, QHostAddress::LocalHost, mPort); }
@@ -71,18 +63,12 @@ void TestGatewaySim::cleanup() {
         socket->close();
 }
 
-// The arguments, with the name of a file of that content for FILE.
-QStringList TestGatewaySim::filled(QString arguments, const QByteArray& content) const {
-    QFile made(mPlace.filePath("source"));
-    const bool written = made.open(QIODevice::WriteOnly) && made.write(content) == content.size();
-    return arguments.replace("FILE", written ? made.fileName() : "cannot be written").split(' ');
-}
-
-void TestGatewaySim::start(const QString& arguments, const QByteArray& content) {
-    const QString ports =
-        QString(" --port 0 --ack-port %1 --data-port %2").arg(mAck.localPort()).arg(mData.localPort());
+// FILE among the arguments stands for a file of that content.
+void TestGatewaySim::start(QString arguments, const QByteArray& source) {
+    arguments.replace("FILE", writeFile(mPlace.filePath("source"), source));
+    arguments += QString(" --port 0 --ack-port %1 --data-port %2").arg(mAck.localPort()).arg(mData.localPort());
     mGateway = std::make_unique<QProcess>();
-    mGateway->start(NVH_BIN_DIR "/gateway-sim", filled(arguments + ports, content));
+    mGateway->start(NVH_BIN_DIR "/gateway-sim", arguments.split(' '));
     QTRY_VERIFY_WITH_TIMEOUT(mGateway->canReadLine(), 10'000);
     const QByteArray line = mGateway->readLine();
     QVERIFY2(line.startsWith("gateway-sim listens on 127.0.0.1:"), line.constData());
@@ -140,10 +126,9 @@ void TestGatewaySim::spellsTheWire() {
 
 void TestGatewaySim::forwardsWhatIsAskedFor_data() {
     QTest::addColumn<QString>("options");
-    QTest::newRow("asked for") << "--rate 0";
-    QTest::newRow("all") << "--rate 0 --all";
-    QTest::newRow("quickly, few at a time") << "--rate 20000 --frames-per-datagram 7";
-    QTest::newRow("as recorded, but faster") << "--speed 20";
+    row("all", "--rate 0 --all");
+    row("quickly, few at a time", "--rate 20000 --frames-per-datagram 7");
+    row("as recorded, but faster", "--speed 20");
 }
 
 void TestGatewaySim::forwardsWhatIsAskedFor() {
@@ -168,24 +153,6 @@ void TestGatewaySim::forwardsWhatIsAskedFor() {
     QVERIFY(end().endsWith(" frames sent " + QByteArray::number(expected.size())));
 }
 
-void TestGatewaySim::keepsAPace_data() {
-    QTest::addColumn<int>("lengthMs");
-    QTest::newRow("--speed 1") << 400;
-    QTest::newRow("--speed 0.5") << 800;
-    QTest::newRow("--rate 10") << 800;
-}
-
-void TestGatewaySim::keepsAPace() {
-    QFETCH(int, lengthMs);
-    start(QTest::currentDataTag() + QString(" --loop --collect 0 --log FILE"), "(1.00) can1 108#\n(1.05) can1 108#\n");
-    QElapsedTimer clock;
-    clock.start();
-    send(kStart);
-    QCOMPARE(frames(9).last(), "1400 010001080000000000000000");
-    QVERIFY2(clock.elapsed() >= lengthMs && clock.elapsed() < lengthMs + 1000,
-             qPrintable(QString::number(clock.elapsed())));
-}
-
 void TestGatewaySim::sendsAMotorSpeed() {
     const char* const trace = "t_s,VAPI_motorRPM\n0,invalid\n0.1,1000\n0.2,2300.6\n0.3,-500\n0.4,invalid\n0.6,70000\n";
     start("--trace FILE --period 150 --rate 0", trace);
@@ -199,40 +166,24 @@ void TestGatewaySim::sendsAMotorSpeed() {
     QCOMPARE(frames(2), QByteArrayList({"1300 0208034500000000f4010000", "1600 0208034500000000ffff0000"}));
 }
 
-void TestGatewaySim::beginsAnewForAnotherClient() {
-    start("--rate 0 --log FILE", "(1.0) can1 108#01\n(1.1) can1 108#02\n");
-    send(kStart);
-    send(kStart);
-    QCOMPARE(frames(2).size(), 2);
-    QUdpSocket another;
-    for (const QByteArray& request : {kStart, kStop, kStart})
-        send(another, QByteArray::fromHex(request));
-    QCOMPARE(frames(4).size(), 4);
-    QVERIFY(end().endsWith("requests 5, acknowledgements 5, datagrams 3, frames sent 6"));
-}
-
 // What comes of the good datagram G, or of S, the beginning of one; a word for how it comes.
 void TestGatewaySim::suffersFaults_data() {
     QTest::addColumn<QString>("effect");
-    const std::array<std::pair<Fault, const char*>, kFaultCount> effects{{
-        {Fault::AckLose, "^$"},
-        {Fault::AckWrongState, "^0000020b00010108$"},
-        {Fault::AckWrongBus, "^0000020b01(?!01)..0108$"},
-        {Fault::AckWrongId, "^0000020b0101(?!0108)....$"},
-        {Fault::AckGarble, "^[0-9a-f]{16}$"},
-        {Fault::AckTruncate, "^S$"},
-        {Fault::AckLengthen, "^G(..)+$"},
-        {Fault::AckDuplicate, "^G G$"},
-        {Fault::AckDelay, "^late G$"},
-        {Fault::DataLose, "^$"},
-        {Fault::DataCount, "^0000020c000003e8(?!000[01])....00000103010800000102030000000000$"},
-        {Fault::DataGarble, "^[0-9a-f]{52}$"},
-        {Fault::DataTruncate, "^S$"},
-        {Fault::DataDuplicate, "^G G$"},
-        {Fault::DataDelay, "^late G$"},
-    }};
-    for (const auto& [fault, effect] : effects)
-        QTest::newRow(qPrintable(nameOf(fault))) << effect;
+    row("ack-lose", "^$");
+    row("ack-wrong-state", "^0000020b00010108$");
+    row("ack-wrong-bus", "^0000020b01(?!01)..0108$");
+    row("ack-wrong-id", "^0000020b0101(?!0108)....$");
+    row("ack-garble", "^[0-9a-f]{16}$");
+    row("ack-truncate", "^S$");
+    row("ack-lengthen", "^G(..)+$");
+    row("ack-duplicate", "^G G$");
+    row("ack-delay", "^late G$");
+    row("data-lose", "^$");
+    row("data-count", "^0000020c000003e8(?!000[01])....00000103010800000102030000000000$");
+    row("data-garble", "^[0-9a-f]{52}$");
+    row("data-truncate", "^S$");
+    row("data-duplicate", "^G G$");
+    row("data-delay", "^late G$");
 }
 
 void TestGatewaySim::suffersFaults() {
@@ -278,30 +229,6 @@ void TestGatewaySim::survivesAnything() {
     send(kStop);
     QCOMPARE(receive(mAck), kStopped);
     QCOMPARE(end(), "gateway-sim: requests 207, refused 141, acknowledgements 66, datagrams 0, frames sent 0");
-}
-
-void TestGatewaySim::refusesUnusableArguments_data() {
-    QTest::addColumn<QString>("reason");
-    const auto row = [](const char* arguments, const char* reason) { QTest::newRow(arguments) << reason; };
-    row("--rate 0", "either --log FILE or --trace FILE.csv is needed");
-    row("--log /nowhere", "/nowhere: No such file or directory");
-    row("--trace FILE", "source:1: ");
-    row("--log FILE --bus 1", "--bus 1: with --log, wanted is NAME=N");
-    row("--trace FILE --bus 1", "--bus and --id go together with --trace");
-    row("--log FILE --rate nan", "--rate nan: no number from 0 to 1e+08");
-    row("--log FILE --frames-per-datagram 107", "--frames-per-datagram 107: no whole number from 1 to 106");
-    row("--log FILE --fault ack-loose=1", "--fault ack-loose=1: no such fault; --help lists them");
-    row("--log FILE --port BUSY", "The bound address is already in use");
-    row("--log FILE --lag 1", "Unknown option 'lag'.");
-}
-
-void TestGatewaySim::refusesUnusableArguments() {
-    QFETCH(QString, reason);
-    const QString arguments = QString(QTest::currentDataTag()).replace("BUSY", QString::number(mAck.localPort()));
-    const ProgramRun run = ProgramRun::of(NVH_BIN_DIR "/gateway-sim", filled(arguments, "(1.0) can1 108#\n"));
-    QCOMPARE(run.status, 2);
-    QVERIFY2(run.errors.startsWith("gateway-sim: ") && run.errors.contains(reason.toUtf8()), run.errors.constData());
-    QCOMPARE(run.errors.count('\n'), 1);
 }
 
 QTEST_GUILESS_MAIN(TestGatewaySim)

@@ -2,6 +2,7 @@
 
 #include "bench/gateway/Replay.h"
 #include "bench/gateway/Subscriptions.h"
+#include "tests/support/Rows.h"
 
 #include <QtTest>
 
@@ -11,7 +12,6 @@ class TestReplay : public QObject {
 private slots:
     void fillsDatagrams_data();
     void fillsDatagrams();
-    void followsWhatIsWanted();
 };
 
 namespace {
@@ -47,16 +47,14 @@ QStringList play(const Recording& recording, const ReplaySettings& settings, int
 }  // namespace
 
 void TestReplay::fillsDatagrams_data() {
-    QTest::addColumn<ReplaySettings>("settings");
-    QTest::addColumn<QStringList>("datagrams");
-    QTest::newRow("as recorded") << ReplaySettings{1.0, {}, 100, 20} << QStringList{"20: 0 10 20", "41: 30 40 41"};
-    QTest::newRow("full early") << ReplaySettings{1.0, {}, 2, 20} << QStringList{"10: 0 10", "30: 20 30", "41: 40 41"};
-    QTest::newRow("half as fast") << ReplaySettings{0.5, {}, 9, 25}
-                                  << QStringList{"25: 0 10", "65: 20 30", "82: 40 41"};
-    QTest::newRow("1000 a second") << ReplaySettings{1.0, 1000.0, 9, 3} << QStringList{"3: 0 10 20 30", "5: 40 41"};
-    QTest::newRow("at any rate") << ReplaySettings{1.0, 0.0, 4, 20} << QStringList{"0: 0 10 20 30", "0: 40 41"};
-    QTest::newRow("over and over") << ReplaySettings{1.0, {}, 6, 50, true}
-                                   << QStringList{"41: 0 10 20 30 40 41", "141: 100 110 120 130 140 141"};
+    columns<ReplaySettings, QStringList>("settings", "datagrams");
+    row("as recorded", ReplaySettings{1.0, {}, 100, 20}, QStringList{"20: 0 10 20", "41: 30 40 41"});
+    row("full early", ReplaySettings{1.0, {}, 2, 20}, QStringList{"10: 0 10", "30: 20 30", "41: 40 41"});
+    row("half as fast", ReplaySettings{0.5, {}, 9, 25}, QStringList{"25: 0 10", "65: 20 30", "82: 40 41"});
+    row("1000 a second", ReplaySettings{1.0, 1000.0, 9, 3}, QStringList{"3: 0 10 20 30", "5: 40 41"});
+    row("at any rate", ReplaySettings{1.0, 0.0, 4, 20}, QStringList{"0: 0 10 20 30", "0: 40 41"});
+    row("over and over", ReplaySettings{1.0, {}, 6, 50, true},
+        QStringList{"41: 0 10 20 30 40 41", "141: 100 110 120 130 140 141"});
 }
 
 void TestReplay::fillsDatagrams() {
@@ -69,24 +67,6 @@ void TestReplay::fillsDatagrams() {
     QCOMPARE(play(recording, settings, 37).replaceInStrings(time, ""), datagrams.replaceInStrings(time, ""));
     // The time of a frame in its datagram has 16 bits.
     QCOMPARE(play(recordingAt({0, 65'535, 65'536}), {1.0, 0.0, 100, 50}, 200), QStringList({"0: 0 65535", "0: 65536"}));
-}
-
-void TestReplay::followsWhatIsWanted() {
-    const Recording recording = recordingAt({0, 10});
-    Subscriptions wanted(false);
-    Replay endless(recording, {1.0, 0.0, 2, 20, true});
-    wanted.add({9, 9});
-    QVERIFY(endless.take(0, wanted).empty() && !endless.dueUs());
-    wanted.add(kWanted);
-    QCOMPARE(endless.take(0, wanted).back().us, 10'000);
-
-    Replay replay(recording, {1.0, {}, 100, 20});
-    wanted.add(kOther);
-    QVERIFY(replay.take(5'000, wanted).empty());
-    QCOMPARE(replay.dueUs(), std::optional<std::int64_t>(10'000));
-    wanted.remove(kOther);
-    QCOMPARE(replay.take(20'000, wanted).size(), 2U);
-    QVERIFY(replay.take(20'000, wanted).empty() && !replay.dueUs());
 }
 
 QTEST_GUILESS_MAIN(TestReplay)

@@ -1,8 +1,7 @@
 #include "tests/bench/signal/Sound.h"
 
 #include <QDataStream>
-#include <QFile>
-#include <QProcess>
+#include <QIODevice>
 
 #include <algorithm>
 #include <cmath>
@@ -53,24 +52,4 @@ QByteArray wavBytes(const std::vector<Samples>& channels) {
         }
     }
     return bytes;
-}
-
-void writeFile(const QString& path, const QByteArray& bytes) {
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size()) {
-        qFatal("cannot write %s", qPrintable(path));
-    }
-}
-
-Outcome runProgram(const QString& name, const QStringList& arguments) {
-    QProcess process;
-    process.start(QStringLiteral(NVH_BIN_DIR "/") + name, arguments);
-    if (!process.waitForFinished() || process.exitStatus() != QProcess::NormalExit) {
-        process.kill();
-        process.waitForFinished();
-        return {};
-    }
-    const QString output = QString::fromUtf8(process.readAllStandardOutput());
-    return {process.exitCode(), output.split('\n', Qt::SkipEmptyParts),
-            QString::fromUtf8(process.readAllStandardError())};
 }

@@ -1,13 +1,11 @@
 #pragma once
 
 #include <QByteArray>
-#include <QString>
-#include <QStringList>
 
 #include <functional>
 #include <vector>
 
-// Sounds of values known by calculation, and the real programs that are to find these values.
+// Sounds of values known by calculation.
 
 using Samples = std::vector<double>;
 inline constexpr int kRate = 48000;
@@ -22,13 +20,3 @@ Samples operator+(Samples first, const Samples& second);
 
 // The header and samples of a 16-bit PCM WAV file; all channels are of equal length.
 QByteArray wavBytes(const std::vector<Samples>& channels);
-void writeFile(const QString& path, const QByteArray& bytes);
-
-struct Outcome {
-    int status = -1;  // -1 if the program did not end by itself
-    QStringList lines;
-    QString errors;
-};
-
-// Runs one of the programs that were built, to its end.
-Outcome runProgram(const QString& name, const QStringList& arguments);

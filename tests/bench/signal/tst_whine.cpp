@@ -1,4 +1,6 @@
+#include "tests/bench/ProgramRun.h"
 #include "tests/bench/signal/Sound.h"
+#include "tests/support/Rows.h"
 
 #include <QRegularExpression>
 #include <QTemporaryDir>
@@ -42,10 +44,6 @@ private slots:
     void followsARamp_data();
     void followsARamp();
     void readsWhiteNoise();
-    void isSilentAboutSilence();
-    void tellsTonesFromOrders();
-    void leavesOutWhatHasNoSpeed_data();
-    void leavesOutWhatHasNoSpeed();
     void survivesBadLogs_data();
     void survivesBadLogs();
 
@@ -54,17 +52,17 @@ private:
         double frequency, order, level, rpm;
     };
 
-    QString path(const char* name) const { return mDirectory.filePath(name); }
-    Outcome analyse(const std::vector<Samples>& channels, const QByteArray& log, const char* channel, int fftSize);
-    void parse(const QStringList& lines);
+    // Without a log if that is null.
+    void analyse(const std::vector<Samples>& channels, const QByteArray& log, const char* channel, int fftSize);
+    void parse(const QByteArray& table);
     Line strongestNear(double frequency, double reach) const;
     static QByteArray logOf(double seconds, const std::function<double(double)>& rpm, int late = 0);
     static QByteArray steadyLog(double seconds) {
         return logOf(seconds, [](double) { return 3000; });
     }
 
-    QTemporaryDir mDirectory;
     std::vector<Line> mTable;
+    QString mSaid;  // beside the table
 };
 
 // A line each 50 ms, as a vehicle's signal would give them.
@@ -78,20 +76,24 @@ QByteArray WhineTest::logOf(double seconds, const std::function<double(double)>&
     return log;
 }
 
-Outcome WhineTest::analyse(const std::vector<Samples>& channels, const QByteArray& log, const char* channel,
-                           int fftSize) {
-    writeFile(path("test.wav"), wavBytes(channels));
-    writeFile(path("rpm.txt"), log);
-    Outcome outcome = runProgram("whine", {path("test.wav"), path("rpm.txt"), channel, QString::number(fftSize)});
-    parse(outcome.lines);
-    return outcome;
+void WhineTest::analyse(const std::vector<Samples>& channels, const QByteArray& log, const char* channel, int fftSize) {
+    const QTemporaryDir place;
+    const QString wav = writeFile(place.filePath("test.wav"), wavBytes(channels));
+    const QString rpm = place.filePath("rpm.txt");
+    if (!log.isNull()) {
+        writeFile(rpm, log);
+    }
+    const ProgramRun run = ProgramRun::of(NVH_BIN_DIR "/whine", {wav, rpm, channel, QString::number(fftSize)});
+    mSaid = QString::fromUtf8(run.errors);
+    parse(run.output);
+    QCOMPARE(run.status, 0);
 }
 
 // Reads the table as it is read where it is judged, and checks what holds for every table.
-void WhineTest::parse(const QStringList& lines) {
+void WhineTest::parse(const QByteArray& table) {
     static const QRegularExpression kBlanks("\\s+");
     mTable.clear();
-    for (const QString& text : lines) {
+    for (const QString& text : QString::fromUtf8(table).split('\n', Qt::SkipEmptyParts)) {
         const QStringList fields = text.split(kBlanks);
         QCOMPARE(fields.size(), 4);
         bool ok[4]{};
@@ -118,35 +120,29 @@ WhineTest::Line WhineTest::strongestNear(double frequency, double reach) const {
 }
 
 void WhineTest::readsSines_data() {
-    QTest::addColumn<int>("fftSize");
-    QTest::addColumn<double>("line");
-    QTest::addColumn<double>("level");
-    const auto add = [](int fftSize, double offset, double level) {
-        QTest::addRow("FFT %d, %.2f off the line, %.1f dB", fftSize, offset, level)
-            << fftSize << std::floor(fftSize / 20.0) + offset << level;
-    };
+    columns<int, double, double>("fftSize", "offset", "level");
     for (const int fftSize : {2048, 4096, 8192, 16384}) {
         for (const double offset : {0.0, 0.25, 0.5}) {
-            add(fftSize, offset, -23.0103);  // amplitude 0.1
+            QTest::addRow("FFT %d, %.2f off the line", fftSize, offset) << fftSize << offset << -23.0103;
         }
     }
-    add(8192, 0.5, -3.0103);  // full scale
-    add(8192, 0.5, -70);
+    row("full scale", 8192, 0.5, -3.0103);
+    row("faint", 8192, 0.5, -70.0);
 }
 
 void WhineTest::readsSines() {
     QFETCH(int, fftSize);
-    QFETCH(double, line);
+    QFETCH(double, offset);
     QFETCH(double, level);
+    const double line = std::floor(fftSize / 20.0) + offset;
     const double width = double(kRate) / fftSize;
-    const Outcome outcome = analyse({sine(2, line * width, amplitudeOf(level))}, steadyLog(2), "sum", fftSize);
-    QCOMPARE(outcome.status, 0);
+    analyse({sine(2, line * width, amplitudeOf(level))}, steadyLog(2), "sum", fftSize);
     const Line found = strongestNear(line * width, kRate);
     QVERIFY2(std::abs(found.level - level) < kSteadyTolerance, qPrintable(QString::number(found.level)));
     QVERIFY2(std::abs(found.frequency - line * width) < width / 10, qPrintable(QString::number(found.frequency)));
     QVERIFY(std::abs(found.order - line * width / 50) < width / 10 / 50);
     QCOMPARE(found.rpm, 3000.0);
-    QVERIFY2(outcome.errors.contains("the speed hardly changes"), qPrintable(outcome.errors));
+    QVERIFY2(mSaid.contains("the speed hardly changes"), qPrintable(mSaid));
 }
 
 // Four channels, two of them without sound: their mean has a quarter of each amplitude, 12.04 dB less.
@@ -163,15 +159,14 @@ void WhineTest::readsTheWantedChannel() {
 }
 
 void WhineTest::followsARamp_data() {
-    QTest::addColumn<int>("late");
-    QTest::addColumn<int>("fftSize");
+    columns<int, int>("late", "fftSize");
     for (const int fftSize : {2048, 4096}) {
         for (const int milliseconds : {0, 100, 170, -120}) {
             QTest::addRow("%d ms late, FFT %d", milliseconds, fftSize) << milliseconds << fftSize;
         }
     }
-    QTest::newRow("170 ms late, FFT 8192") << 170 << 8192;
-    QTest::newRow("170 ms late, FFT 16384") << 170 << 16384;
+    row("170 ms late, FFT 8192", 170, 8192);
+    row("170 ms late, FFT 16384", 170, 16384);
 }
 
 void WhineTest::followsARamp() {
@@ -185,12 +180,10 @@ void WhineTest::followsARamp() {
         }
         return sum;
     });
-    const Outcome outcome =
-        analyse({kSound + noise(kRampSeconds, 0.001, 1)}, logOf(kRampSeconds, rampRpm, late), "sum", fftSize);
+    analyse({kSound + noise(kRampSeconds, 0.001, 1)}, logOf(kRampSeconds, rampRpm, late), "sum", fftSize);
     static const QRegularExpression kOffset("offset: ([+-]\\d+) ms");
-    const QRegularExpressionMatch match = kOffset.match(outcome.errors);
-    QVERIFY2(match.hasMatch() && std::abs(match.captured(1).toInt() - late) <= kOffsetTolerance,
-             qPrintable(outcome.errors));
+    const QRegularExpressionMatch match = kOffset.match(mSaid);
+    QVERIFY2(match.hasMatch() && std::abs(match.captured(1).toInt() - late) <= kOffsetTolerance, qPrintable(mSaid));
 
     // Orders 22 and 24 part where they are five spectral lines from each other; a long frame sweeps over more.
     const double parted = std::max(150.0 * kRate / fftSize, fftSize > 4096 ? 7000.0 : 0.0);
@@ -213,7 +206,7 @@ void WhineTest::followsARamp() {
     QVERIFY2(std::abs(checked - 4 * bins) < 0.05 * 4 * bins,
              qPrintable(QString("%1 of %2").arg(checked).arg(4 * bins)));
     QStringList summary;
-    for (const QString& text : outcome.errors.split('\n').filter("order:")) {
+    for (const QString& text : mSaid.split('\n').filter("order:")) {
         summary += QString::number(text.mid(6, 9).toDouble(), 'f', 1);
     }
     QCOMPARE(summary, (QStringList{"48.0", "8.0", "24.0", "22.0"}));
@@ -226,108 +219,41 @@ void WhineTest::readsWhiteNoise() {
     const double loud = 700 * frequency;
     const double faint = 1500 * frequency;
     const double hidden = 2500 * frequency;
-    const Outcome outcome = analyse({noise(20, 0.05, 4) + sine(20, loud, amplitudeOf(-26)) +
-                                     sine(20, faint, amplitudeOf(-53)) + sine(20, hidden, amplitudeOf(-58))},
-                                    steadyLog(20), "sum", 8192);
-    QVERIFY2(outcome.errors.contains("level: -23.0 dBFS overall"), qPrintable(outcome.errors));
-    QVERIFY2(mTable.size() == 2, qPrintable(outcome.lines.join('\n')));
+    analyse({noise(20, 0.05, 4) + sine(20, loud, amplitudeOf(-26)) + sine(20, faint, amplitudeOf(-53)) +
+             sine(20, hidden, amplitudeOf(-58))},
+            steadyLog(20), "sum", 8192);
+    QVERIFY2(mSaid.contains("level: -23.0 dBFS overall"), qPrintable(mSaid));
+    QCOMPARE(mTable.size(), std::size_t(2));
     QVERIFY(std::abs(mTable[0].frequency - loud) < frequency / 10);
     QVERIFY(std::abs(mTable[0].level + 26) < kSteadyTolerance);
     QVERIFY(std::abs(mTable[1].frequency - faint) < frequency);
-    QVERIFY2(std::abs(mTable[1].level + 53) < 0.5, qPrintable(outcome.lines[1]));
-}
-
-void WhineTest::isSilentAboutSilence() {
-    const Outcome outcome = analyse({Samples(kRate, 0.0), Samples(kRate, 0.0)}, steadyLog(1), "sum", 8192);
-    QCOMPARE(outcome.status, 0);
-    QVERIFY(outcome.lines.isEmpty());
-    QVERIFY2(outcome.errors.contains("no order and no tone"), qPrintable(outcome.errors));
-}
-
-void WhineTest::tellsTonesFromOrders() {
-    const auto rpm = [](double t) { return 3000 + 500 * t; };
-    const Samples sound = sampled(4, [](double t) {
-        return 0.05 * std::sin(2 * std::numbers::pi * 10000 * t) +
-               0.02 * std::sin(2 * std::numbers::pi * 9.73 * (3000 * t + 250 * t * t) / 60);
-    });
-    const Outcome outcome = analyse({sound + noise(4, 0.001, 6)}, logOf(4, rpm), "sum", 4096);
-    QVERIFY2(QRegularExpression("tone: +10000.\\d\\d Hz +-29.0").match(outcome.errors).hasMatch(),
-             qPrintable(outcome.errors));
-    QVERIFY2(QRegularExpression("order: +9.73 +-3[67].").match(outcome.errors).hasMatch(), qPrintable(outcome.errors));
-    QCOMPARE(outcome.errors.count("tone:"), 1);
-    QCOMPARE(outcome.errors.count("order:"), 1);
-}
-
-void WhineTest::leavesOutWhatHasNoSpeed_data() {
-    QTest::addColumn<QByteArray>("log");
-    const QByteArray whole = logOf(4, [](double) { return 3000; });
-    const auto cut = [&](const char* from, const char* to) {
-        QByteArray log = whole;
-        const auto start = log.indexOf(from);
-        return log.remove(start, to ? log.indexOf(to) - start : log.size());
-    };
-    QTest::newRow("after the log's end") << cut("1500,", nullptr);
-    QTest::newRow("before its beginning") << cut("0,", "2450,");
-    QTest::newRow("in a gap") << cut("1500,", "2450,");
-    QTest::newRow("below 300 RPM") << logOf(4, [](double t) { return t > 1.4 && t < 2.6 ? 299 : 3000; });
-}
-
-// A tone from 1.6 to 2.4 s, where the log gives no speed, beside one that is always there.
-void WhineTest::leavesOutWhatHasNoSpeed() {
-    QFETCH(QByteArray, log);
-    const Samples sound = sampled(4, [](double t) {
-        return 0.1 * std::sin(2 * std::numbers::pi * 1000 * t) +
-               (t > 1.6 && t < 2.4 ? 0.1 * std::sin(2 * std::numbers::pi * 5000 * t) : 0);
-    });
-    analyse({sound}, log, "sum", 4096);
-    QVERIFY(strongestNear(1000, 5).level > -24);
-    QVERIFY(strongestNear(5000, 1000).level < -90);
-    // With a speed all the time it is there.
-    analyse({sound}, steadyLog(4), "sum", 4096);
-    QVERIFY(strongestNear(5000, 5).level > -40);
+    QVERIFY2(std::abs(mTable[1].level + 53) < 0.5, qPrintable(QString::number(mTable[1].level)));
 }
 
 void WhineTest::survivesBadLogs_data() {
-    QTest::addColumn<QByteArray>("log");
-    QTest::addColumn<bool>("usable");
-    QTest::addColumn<QString>("warning");
+    columns<QByteArray, bool, QString>("log", "usable", "warning");
     const QByteArray good = steadyLog(1);
-    QTest::newRow("no blank") << QByteArray(good).replace(", ", ",") << true << "";
-    QTest::newRow("CR LF") << QByteArray(good).replace("\n", "\r\n") << true << "";
-    QTest::newRow("two values at one time") << good + "1000, 3001\n" << true << "";
-    QTest::newRow("last line cut") << good + "1010, 30" << true << "rpm.txt:22: the last line has no line end";
-    QTest::newRow("missing") << QByteArray() << false << "No such file";
-    QTest::newRow("empty") << QByteArray("") << false << "holds no whole line";
-    QTest::newRow("text") << "Time, RPM\n" + good << false << "rpm.txt:1: is no \"MILLISECONDS, RPM\"";
-    QTest::newRow("fraction") << good + "1010, 3000.5\n" << false << "rpm.txt:22:";
-    QTest::newRow("negative time") << "-5, 3000\n" + good << false << "rpm.txt:1:";
-    QTest::newRow("beyond all motors") << good + "1010, 100001\n" << false << "rpm.txt:22: no motor";
-    QTest::newRow("time goes back") << good + "990, 3000\n" << false << "rpm.txt:22: its time is before";
-    QTest::newRow("zeros of a crash") << good + QByteArray(64, '\0') + "\n" << false << "rpm.txt:22:";
-    QTest::newRow("one line") << QByteArray("0, 3000\n") << false << "gives no speed";
-    QTest::newRow("standing") << logOf(1, [](double) { return 0; }) << false << "gives no speed";
-    QTest::newRow("backwards") << logOf(1, [](double) { return -3000; }) << false << "gives no speed";
+    row("CR LF", QByteArray(good).replace("\n", "\r\n"), true, "");
+    row("last line cut", good + "1010, 30", true, "rpm.txt:22: the last line has no line end");
+    row("missing", QByteArray(), false, "No such file");
+    row("text", "Time, RPM\n" + good, false, "rpm.txt:1: is no \"MILLISECONDS, RPM\"");
+    row("time goes back", good + "990, 3000\n", false, "rpm.txt:22: its time is before");
+    row("zeros of a crash", good + QByteArray(64, '\0') + "\n", false, "rpm.txt:22:");
+    row("standing", logOf(1, [](double) { return 0; }), false, "gives no speed");
 }
 
 void WhineTest::survivesBadLogs() {
     QFETCH(QByteArray, log);
     QFETCH(bool, usable);
     QFETCH(QString, warning);
-    writeFile(path("test.wav"), wavBytes({sine(1, 1000, 0.1)}));
-    const QString file = path(log.isNull() ? "missing.txt" : "rpm.txt");
-    if (!log.isNull()) {
-        writeFile(file, log);
-    }
-    const Outcome outcome = runProgram("whine", {path("test.wav"), file, "sum", "4096"});
-    QCOMPARE(outcome.status, 0);
-    parse(outcome.lines);
+    analyse({sine(1, 1000, 0.1)}, log, "sum", 4096);
     const Line found = strongestNear(1000, 1);
     QVERIFY(std::abs(found.level + 23.01) < kSteadyTolerance);
     QCOMPARE(found.order, usable ? 20.0 : 0.0);
     QCOMPARE(found.rpm, usable ? 3000.0 : 0.0);
-    QVERIFY2(outcome.errors.contains(warning), qPrintable(outcome.errors));
-    QCOMPARE(outcome.errors.contains("warning"), !warning.isEmpty());
-    QCOMPARE(outcome.errors.contains("orders read 0"), !usable);
+    QVERIFY2(mSaid.contains(warning), qPrintable(mSaid));
+    QCOMPARE(mSaid.contains("warning"), !warning.isEmpty());
+    QCOMPARE(mSaid.contains("orders read 0"), !usable);
 }
 
 QTEST_GUILESS_MAIN(WhineTest)
