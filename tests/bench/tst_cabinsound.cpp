@@ -58,6 +58,7 @@ class TestCabinSound : public QObject {
     Q_OBJECT
 
 private slots:
+    void givesTheSameSoundForTheSameSeed();
     void playsOrdersOfTheMotorByItsTorque();
     void keepsStepWithAChangingMotorSpeed();
     void givesEverySeatItsLevelAndDelay();
@@ -65,10 +66,11 @@ private slots:
 
 private:
     // Two seconds, or as many as asked for, of a drive whose rows are given without their header.
-    QByteArray sound(const QByteArray& rows, double seconds = 2.0) const {
+    QByteArray sound(const QByteArray& rows, double seconds = 2.0, int seed = 1) const {
         const QString trace = writeFile(mPlace.filePath("trace.csv"),
                                         "t_s,VAPI_signedVehicleSpeed,VAPI_motorRPM,VAPI_torqueCmd\n" + rows);
-        const ProgramRun run = cabinSound({"--trace", trace, "--out", "-", "--seconds", QString::number(seconds)});
+        const ProgramRun run = cabinSound(
+            {"--trace", trace, "--out", "-", "--seconds", QString::number(seconds), "--seed", QString::number(seed)});
         return run.status == 0 ? run.output : QByteArray();
     }
 
@@ -76,6 +78,14 @@ private:
 };
 
 // 6000 1/min: the frequency of an order is a hundred times its number. A direction is not heard.
+void TestCabinSound::givesTheSameSoundForTheSameSeed() {
+    const QByteArray rows = "0,30,3000,100\n2,40,4000,200\n";
+    const QByteArray first = sound(rows, 2.0, 7);
+    QCOMPARE(first.size(), 2 * kCabinRate * kCabinChannels * int(sizeof(qint16)));
+    QVERIFY(sound(rows, 2.0, 7) == first);
+    QVERIFY(sound(rows, 2.0, 8) != first);
+}
+
 void TestCabinSound::playsOrdersOfTheMotorByItsTorque() {
     const Channel pulling = channelOf(sound("0,10,6000,400\n2,10,6000,400\n"), 0);
     const Channel braking = channelOf(sound("0,-10,-6000,-400\n2,-10,-6000,-400\n"), 0);

@@ -44,6 +44,7 @@ private slots:
     void followsARamp_data();
     void followsARamp();
     void readsWhiteNoise();
+    void isSilentAboutSilence();
     void survivesBadLogs_data();
     void survivesBadLogs();
 
@@ -228,6 +229,12 @@ void WhineTest::readsWhiteNoise() {
     QVERIFY(std::abs(mTable[0].level + 26) < kSteadyTolerance);
     QVERIFY(std::abs(mTable[1].frequency - faint) < frequency);
     QVERIFY2(std::abs(mTable[1].level + 53) < 0.5, qPrintable(QString::number(mTable[1].level)));
+}
+
+void WhineTest::isSilentAboutSilence() {
+    analyse({Samples(kRate, 0.0), Samples(kRate, 0.0)}, steadyLog(1), "sum", 8192);
+    QVERIFY(mTable.empty());
+    QVERIFY2(mSaid.contains("no order and no tone"), qPrintable(mSaid));
 }
 
 void WhineTest::survivesBadLogs_data() {
