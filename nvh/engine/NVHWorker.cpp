@@ -133,10 +133,7 @@ void NVHWorker::whenSettled(QObject* context, std::function<void()> callback) {
         callback();
         return;
     }
-    mWhenSettled.push_back([context = QPointer<QObject>(context), callback = std::move(callback)] {
-        if (context)
-            callback();
-    });
+    mWhenSettled.add(context, std::move(callback));
 }
 
 void NVHWorker::resumeWhatWaited() {
@@ -152,8 +149,7 @@ void NVHWorker::resumeWhatWaited() {
     }
     if (!isSettled())
         return;
-    for (const auto& callback : std::exchange(mWhenSettled, {}))
-        callback();
+    mWhenSettled.makeAll();
 }
 
 QProcess* NVHWorker::makeProcess(void (NVHWorker::*done)(), void (NVHWorker::*error)()) {

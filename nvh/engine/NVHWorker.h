@@ -3,6 +3,7 @@
 #include "nvh/Export.h"
 #include "nvh/engine/Settings.h"
 #include "nvh/packaging/NvhPackageManager.h"
+#include "nvh/packaging/WaitingCalls.h"
 
 #include <HelixDash/services/Audio.h>
 #include <HelixDash/services/SingleShotTimer.h>
@@ -17,7 +18,6 @@
 #include <array>
 #include <cstdio>
 #include <functional>
-#include <vector>
 
 class NvhValueLogger;
 class RealDataValue;
@@ -140,7 +140,7 @@ private:
     };
     std::array<CaptureThread, 4> captureThreads();
     QPointer<NvhValueLogger> initValueLogger(const char* valueName, QString fileName, QThread& thread);
-    void startCaptureThread(QThread& thread, const char* label);
+    void logRunning(const char* label, const QThread& thread);
     // Waits for the threads, terminates what does not end. True if all ended by themselves.
     bool joinCaptureThreads();
 
@@ -192,5 +192,5 @@ private:
     QString mLateTarget;                               // where the capture goes when its recorder is gone
     bool mCaptureDiscarded = false;                    // the capture of the recorder that is ending is not wanted
     QDateTime mCaptureBefore;  // when the capture file was last written before the recorder was started
-    std::vector<std::function<void()>> mWhenSettled;
+    WaitingCalls mWhenSettled;
 };

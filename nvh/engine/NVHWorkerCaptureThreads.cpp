@@ -7,14 +7,6 @@
 #include <HelixDash/services/Logger.h>
 #include <HelixDash/values/DataValueManager.h>
 
-namespace {
-
-const char* trueOrFalse(bool value) {
-    return value ? "true" : "false";
-}
-
-}  // namespace
-
 std::array<NVHWorker::CaptureThread, 4> NVHWorker::captureThreads() {
     return {{
         {&mNvhCanEthThread, "NvhCanEthThread"},
@@ -47,31 +39,31 @@ QPointer<NvhValueLogger> NVHWorker::initValueLogger(const char* valueName, QStri
 }
 
 void NVHWorker::startValueLoggerThreads() {
-    startCaptureThread(mVehicleSpeedLoggerThread, nullptr);
-    startCaptureThread(mMotorTorqueLoggerThread, nullptr);
-    Logger(this, "INFO") << "VehicleSpeedThread Running: " << trueOrFalse(mVehicleSpeedLoggerThread.isRunning());
-    Logger(this, "INFO") << "MotorTorqueThread Running: " << trueOrFalse(mMotorTorqueLoggerThread.isRunning());
-    startCaptureThread(mMotorRPMLoggerThread, "MotorRPMThread Running: ");
+    mVehicleSpeedLoggerThread.start(QThread::InheritPriority);
+    mMotorTorqueLoggerThread.start(QThread::InheritPriority);
+    logRunning("VehicleSpeedThread Running: ", mVehicleSpeedLoggerThread);
+    logRunning("MotorTorqueThread Running: ", mMotorTorqueLoggerThread);
+    mMotorRPMLoggerThread.start(QThread::InheritPriority);
+    logRunning("MotorRPMThread Running: ", mMotorRPMLoggerThread);
 }
 
-void NVHWorker::startCaptureThread(QThread& thread, const char* label) {
-    thread.start(QThread::InheritPriority);
-    if (label)
-        Logger(this, "INFO") << label << trueOrFalse(thread.isRunning());
+void NVHWorker::logRunning(const char* label, const QThread& thread) {
+    Logger(this, "INFO") << label << (thread.isRunning() ? "true" : "false");
 }
 
 void NVHWorker::initRpmCaptureThread() {}
 
 void NVHWorker::startRpmCaptureThread() {
     loggerRunning = true;
-    startCaptureThread(mNvhCanEthThread, "mNvhCanEthThread Running: ");
+    mNvhCanEthThread.start(QThread::InheritPriority);
+    logRunning("mNvhCanEthThread Running: ", mNvhCanEthThread);
 }
 
 void NVHWorker::threadStatus() {
     if (cLogVerbose.value())
         Logger(this, "INFO") << "Waiting for mNvhCanEthThread...";
     mNvhCanEthThread.wait();
-    Logger(this, "INFO") << "mNvhCanEthThread Running: " << trueOrFalse(mNvhCanEthThread.isRunning());
+    logRunning("mNvhCanEthThread Running: ", mNvhCanEthThread);
 }
 
 bool NVHWorker::joinCaptureThreads() {

@@ -11,7 +11,6 @@
 
 #include <QFile>
 #include <QFileInfo>
-#include <QPointer>
 
 #include <utility>
 
@@ -169,8 +168,7 @@ QString NvhPackageManager::rescueNote() const {
 
 void NvhPackageManager::startNextPackaging() {
     if (mWaitingPackagings.empty()) {
-        for (const auto& callback : std::exchange(mWhenNotPackaging, {}))
-            callback();
+        mWhenNotPackaging.makeAll();
         return;
     }
     PackageRequest next = mWaitingPackagings.front();
@@ -183,10 +181,7 @@ void NvhPackageManager::whenNotPackaging(QObject* context, std::function<void()>
         callback();
         return;
     }
-    mWhenNotPackaging.push_back([context = QPointer<QObject>(context), callback = std::move(callback)] {
-        if (context)
-            callback();
-    });
+    mWhenNotPackaging.add(context, std::move(callback));
 }
 
 bool NvhPackageManager::ambientSoundRecordingExists() const {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "nvh/Export.h"
+#include "nvh/packaging/WaitingCalls.h"
 
 #include <QObject>
 #include <QProcess>
@@ -137,7 +138,7 @@ private:
     bool mPipelineBroken = false;  // tar or gzip could not start or crashed
     QString mRescueFolder;
     std::vector<PackageRequest> mWaitingPackagings;
-    std::vector<std::function<void()>> mWhenNotPackaging;
+    WaitingCalls mWhenNotPackaging;
 
     QString mUploadedPackage;     // the archive that is being uploaded or was last
     QString mPostedPackage;       // the archive whose metadata is being posted
