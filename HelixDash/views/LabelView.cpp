@@ -12,6 +12,8 @@ namespace {
 constexpr int kStandardPx = 24;
 constexpr int kSmallestGrowingPx = 16;
 constexpr int kSmallestPx = 12;
+// A text is about as wide as its font is large; one that would be so much wider than its room need not be tried.
+constexpr double kWidest = 1.1;
 
 }  // namespace
 
@@ -20,7 +22,6 @@ LabelView::LabelView(DisplayView* parent) : LabelView(QString(), parent) {}
 LabelView::LabelView(const QString& text, DisplayView* parent) : DisplayView(parent), mText(text) {
     setAttribute(Qt::WA_TransparentForMouseEvents);
     setFont(FontManager::standardFont(kStandardPx));
-    textChanged();
 }
 
 LabelView::~LabelView() = default;
@@ -29,7 +30,7 @@ void LabelView::setText(const QString& text) {
     if (text == mText)
         return;
     mText = text;
-    textChanged();
+    lookChanged();
 }
 
 void LabelView::setSkinColor(const QString& name) {
@@ -46,20 +47,25 @@ void LabelView::setFontSize(int px) {
 void LabelView::resizeToFit(int width) {
     const int wrapWidth = qMax(1, width);
     const int room = qMax(1, wrapWidth - 2 * padding());
-    resize(wrapWidth, TextBlock(mText, font(), room).size().height() + 2 * padding());
+    auto whole = std::make_unique<TextBlock>(mText, font(), room);
+    resize(wrapWidth, whole->size().height() + 2 * padding());
+    mBlock = std::move(whole);
 }
 
 QSize LabelView::textSize(int limit) const {
-    const QSize natural = TextBlock(mText, font(), 0).size();
-    if (natural.width() <= limit)
-        return natural;
+    if (!mNatural)
+        mNatural = TextBlock(mText, font(), 0).size();
+    if (mNatural->width() <= limit)
+        return *mNatural;
     QFont small = font();
     for (int px = small.pixelSize() - 1; px >= kSmallestGrowingPx; --px) {
+        if (px > kSmallestGrowingPx && mNatural->width() * px > limit * font().pixelSize() * kWidest)
+            continue;
         small.setPixelSize(px);
         if (TextBlock(mText, small, 0).size().width() <= limit)
-            return {limit, natural.height()};
+            return {limit, mNatural->height()};
     }
-    return {limit, qMax(natural.height(), TextBlock(mText, small, limit).size().height())};
+    return {limit, qMax(mNatural->height(), TextBlock(mText, small, limit).size().height())};
 }
 
 QSize LabelView::sizeHint() const {
@@ -81,7 +87,12 @@ QRect LabelView::textPlace() const {
     return rect().adjusted(padding(), padding(), -padding(), -padding());
 }
 
-void LabelView::textChanged() {
+void LabelView::lookChanged() {
+    mNatural.reset();
+    grow();
+}
+
+void LabelView::grow() {
     mBlock.reset();
     if (!mHasSize) {
         const QSize needed = neededSize();
@@ -101,7 +112,7 @@ void LabelView::styleChanged() {
                                       viewStyle().weight(static_cast<QFont::Weight>(font().weight()))));
     if (viewStyle().has("Color"))
         mSkinColor = viewStyle().value("Color");
-    textChanged();
+    grow();
 }
 
 void LabelView::sizeChosen() {
@@ -111,13 +122,13 @@ void LabelView::sizeChosen() {
 void LabelView::changeEvent(QEvent* event) {
     DisplayView::changeEvent(event);
     if (event->type() == QEvent::FontChange)
-        textChanged();
+        lookChanged();
 }
 
 void LabelView::moveEvent(QMoveEvent* event) {
     DisplayView::moveEvent(event);
     if (!mHasSize)
-        textChanged();
+        grow();
 }
 
 void LabelView::resizeEvent(QResizeEvent* event) {
@@ -131,5 +142,5 @@ void LabelView::paintEvent(QPaintEvent* event) {
         return;
     QPainter painter(this);
     painter.setPen(SkinColor::color(mSkinColor));
-    block().paint(&painter, textPlace(), viewStyle().alignment(Qt::AlignLeft | Qt::AlignTop));
+    block().paint(&painter, textPlace(), viewStyle().alignment(Qt::AlignLeft | Qt::AlignTop), event->rect());
 }

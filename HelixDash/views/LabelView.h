@@ -12,12 +12,14 @@
 // with a size of its own wraps its text in it and draws it smaller where it would not fit; only what does not fit at 12
 // px ends in an ellipsis. resizeToFit() gives it a width and the height that its text needs there in full size.
 //
-// The text is always plain text, whatever it contains; line ends break the line. Touches go through a label to what
-// lies below it.
+// The text is always plain text, whatever it contains; line ends break the line. A text of some pages (beyond 1000
+// letters) breaks at line ends and blanks alone; text() stays whole however it is painted. Touches go through a label
+// to what lies below it.
 
 #include <HelixDash/views/DisplayView.h>
 
 #include <memory>
+#include <optional>
 
 class TextBlock;
 
@@ -54,7 +56,10 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    void textChanged();
+    // Text or font are others.
+    void lookChanged();
+    // Drops what was laid out; without a size of its own the label takes the one that it needs.
+    void grow();
     QSize neededSize() const;
     QSize textSize(int limit) const;
     int padding() const;
@@ -64,5 +69,6 @@ private:
     QString mText;
     QString mSkinColor = QStringLiteral("black");
     bool mHasSize = false;
+    mutable std::optional<QSize> mNatural;      // of the text in one line or as its line ends break it
     mutable std::unique_ptr<TextBlock> mBlock;  // laid out on demand, dropped when text, font or size change
 };
