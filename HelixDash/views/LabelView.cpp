@@ -30,6 +30,7 @@ void LabelView::setText(const QString& text) {
     if (text == mText)
         return;
     mText = text;
+    mWrapped.reset();
     lookChanged();
 }
 
@@ -59,13 +60,20 @@ QSize LabelView::textSize(int limit) const {
         return *mNatural;
     QFont small = font();
     for (int px = small.pixelSize() - 1; px >= kSmallestGrowingPx; --px) {
-        if (px > kSmallestGrowingPx && mNatural->width() * px > limit * font().pixelSize() * kWidest)
+        if (mNatural->width() * px > limit * font().pixelSize() * kWidest)
             continue;
         small.setPixelSize(px);
         if (TextBlock(mText, small, 0).size().width() <= limit)
             return {limit, mNatural->height()};
     }
-    return {limit, qMax(mNatural->height(), TextBlock(mText, small, limit).size().height())};
+    small.setPixelSize(qMin(small.pixelSize(), kSmallestGrowingPx));
+    return {limit, qMax(mNatural->height(), wrappedHeight(small, limit))};
+}
+
+int LabelView::wrappedHeight(const QFont& small, int limit) const {
+    if (!mWrapped || mWrapped->small != small || mWrapped->limit != limit)
+        mWrapped = Wrapped{small, limit, TextBlock(mText, small, limit).size().height()};
+    return mWrapped->height;
 }
 
 QSize LabelView::sizeHint() const {

@@ -56,12 +56,19 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    struct Wrapped {
+        QFont small;
+        int limit = 0;
+        int height = 0;
+    };
+
     // Text or font are others.
     void lookChanged();
     // Drops what was laid out; without a size of its own the label takes the one that it needs.
     void grow();
     QSize neededSize() const;
     QSize textSize(int limit) const;
+    int wrappedHeight(const QFont& small, int limit) const;
     int padding() const;
     QRect textPlace() const;
     const TextBlock& block() const;
@@ -70,5 +77,6 @@ private:
     QString mSkinColor = QStringLiteral("black");
     bool mHasSize = false;
     mutable std::optional<QSize> mNatural;      // of the text in one line or as its line ends break it
+    mutable std::optional<Wrapped> mWrapped;    // of the text that was too wide for its room last time
     mutable std::unique_ptr<TextBlock> mBlock;  // laid out on demand, dropped when text, font or size change
 };

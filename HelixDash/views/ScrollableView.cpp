@@ -143,13 +143,20 @@ bool ScrollableView::eventFilter(QObject* watched, QEvent* event) {
     return DisplayView::eventFilter(watched, event);
 }
 
-void ScrollableView::fitContent() {
+int ScrollableView::contentHeight() const {
     int bottom = 0;
     for (const DisplayView* view : mContent->childViews()) {
         if (view->isVisible())
             bottom = qMax(bottom, view->bottom());
     }
-    mContent->resize(width(), bottom);
+    return bottom;
+}
+
+void ScrollableView::fitContent() {
+    const QSize needed(width(), contentHeight());
+    if (mContent->size() == needed)
+        return;
+    mContent->resize(needed.width(), needed.height());
     placeContent(scrollPosition());
 }
 
@@ -157,6 +164,7 @@ void ScrollableView::resizeEvent(QResizeEvent* event) {
     DisplayView::resizeEvent(event);
     mEdge->resize(size());
     fitContent();
+    placeContent(scrollPosition());
 }
 
 void ScrollableView::moveEvent(QMoveEvent* event) {

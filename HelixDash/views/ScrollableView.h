@@ -31,6 +31,11 @@ public:
     void scrollToShow(int top, int height);
 
 protected:
+    // What the views in the content need.
+    virtual int contentHeight() const;
+    // Gives the content its height. Called by itself when a view in the content comes, goes, or changes its place.
+    void fitContent();
+
     bool event(QEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
@@ -40,7 +45,6 @@ protected:
 private:
     class Edge;
 
-    void fitContent();
     void placeContent(int position);
 
     DisplayView* mContent;

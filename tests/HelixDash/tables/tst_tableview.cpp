@@ -1,41 +1,51 @@
 #include "tests/HelixDash/views/Finger.h"
 #include "tests/support/Rows.h"
+#include "tests/support/ThreadTime.h"
 
 #include <HelixDash/tables/TableCell.h>
 #include <HelixDash/tables/TableController.h>
 #include <HelixDash/tables/TableView.h>
+#include <HelixDash/views/LabelView.h>
 #include <HelixDash/views/SlideSwitch.h>
 
 #include <QSignalSpy>
 
+#include <functional>
 #include <memory>
 
 namespace {
 
 constexpr int kRowHeight = 135;
+constexpr int kTitleHeight = 48;
+constexpr int kMany = 3000;
+constexpr int kSeveralTurns = 400;
 
 class Model : public TableModel {
 public:
-    explicit Model(int rows) : mRows(rows) {}
-    int sectionCount() const override { return 1; }
+    explicit Model(int rows, const QStringList& titles = {QString()}) : mRows(rows), mTitles(titles) {}
+    int sectionCount() const override { return int(mTitles.size()); }
     int sectionItemCount(int) const override { return mRows; }
-    QString sectionTitle(int) const override { return {}; }
+    QString sectionTitle(int section) const override { return mTitles.at(section); }
 
 private:
     int mRows;
+    QStringList mTitles;
 };
 
 class MarkCell : public TableCell {
 public:
-    explicit MarkCell(TableView* table) : TableCell(table, "mark") {}
+    explicit MarkCell(TableView* table)
+        : TableCell(table, "mark"), name(new LabelView("Windshield washer nozzle aim", contentView())) {}
     void populate() override {
         widths.append(width());
+        name->resizeToFit(width());
         if (!mark)
             mark = new SlideSwitch(contentView(), {"FAIL", "PASS", "NA"});
         mark->setSwitchType(SlideSwitch::Row);
         mark->move(5, 55);
     }
 
+    LabelView* name;
     SlideSwitch* mark = nullptr;
     QList<int> widths;
 };
@@ -159,6 +169,84 @@ private slots:
         QTEST(mTable->scrollPosition() > 0, "scrolls");
         QTRY_COMPARE(mark->grab().toImage() == atRest, mark->position() == 0);
         QVERIFY(mController->selected.isEmpty());
+    }
+
+    void laysRowsOutBelowTheirTitles() {
+        Model titled(2, {"First", QString(), "Third"});
+        mTable->setModel(&titled);
+        QList<int> tops;
+        for (int row = 0; row < mTable->rowCount(); ++row)
+            tops.append(cell(row)->top() - row * kRowHeight - kTitleHeight);
+        QCOMPARE(tops, QList<int>({0, 0, 0, 0, kTitleHeight, kTitleHeight}));
+        QCOMPARE(mTable->contentView()->height(), 6 * kRowHeight + 2 * kTitleHeight);
+    }
+
+    // From the model to the deletion.
+    void aLongListNeverStopsTheScreen() {
+        Model many(kMany);
+        double longest = threadMsOf([&] { mTable->setModel(&many); });
+        double all = longest;
+        const auto turnUntil = [&](const std::function<bool()>& reached) {
+            return QTest::qWaitFor(
+                [&] {
+                    const double turn = threadMsOf([] { QCoreApplication::processEvents(); });
+                    longest = qMax(longest, turn);
+                    all += turn;
+                    return reached();
+                },
+                60000);
+        };
+        const auto ready = [&] { return mTable->readyRows() == kMany; };
+        QCOMPARE(mTable->rowCount(), kMany);
+        QVERIFY(mTable->readyRows() > 0 && !ready());
+        mTable->scrollToRow(kMany - 1);
+        QCOMPARE(mTable->cellAt(kMany - 1), nullptr);
+        QVERIFY(turnUntil(ready));
+        QVERIFY(mScreen->rect().contains(placeOf(cell(kMany - 1))));
+        QVERIFY2(all < 4000, qPrintable(QString("%1 ms for all rows").arg(all)));
+
+        cell(kMany - 1)->mark->setPosition(2);
+        mTable->reload();
+        QVERIFY(turnUntil(ready));
+        QCOMPARE(mController->reused, kMany);
+        QCOMPARE(cell(kMany - 1)->mark->position(), 2);
+
+        const QPointer<TableView> gone = mTable;
+        mTable->deleteLater();
+        QVERIFY(turnUntil([&] { return !gone; }));
+        QVERIFY2(longest < 60, qPrintable(QString("%1 ms in one turn").arg(longest)));
+    }
+
+    void staysRightWhileRowsAreMade_data() {
+        columns<std::function<void()>, int, int>("change", "rows", "reused");
+        row("another model", std::function([this] { mTable->setModel(&mModel); }), 10, 0);
+        row("reload", std::function([this] { mTable->reload(); }), kSeveralTurns, 1);
+        row("another width", std::function([this] { mTable->setWidth(450); }), kSeveralTurns, 0);
+        row("no controller", std::function([this] { mTable->setController(nullptr); }), 0, 0);
+        row("the controller deleted", std::function([this] { mController.reset(); }), -1, 0);
+        row("the table deleted", std::function([this] { delete mTable; }), -1, 0);
+    }
+
+    void staysRightWhileRowsAreMade() {
+        QFETCH(std::function<void()>, change);
+        QFETCH(int, rows);
+        QFETCH(int, reused);
+        Model many(kSeveralTurns);
+        mTable->setModel(&many);
+        QCoreApplication::processEvents();
+        const int made = mTable->readyRows();
+        QVERIFY(made > 0 && made < kSeveralTurns);
+        change();
+        if (rows < 0) {
+            QCoreApplication::processEvents();
+            return;
+        }
+        QTRY_COMPARE_WITH_TIMEOUT(mTable->readyRows(), rows, 60000);
+        QTRY_COMPARE(int(mTable->contentView()->childViews().size()), rows);
+        QCOMPARE(mTable->rowCount(), rows);
+        QCOMPARE(mController->reused, reused * made);
+        for (int row = 0; row < rows; ++row)
+            QCOMPARE(cell(row)->geometry(), QRect(0, row * kRowHeight, mTable->width(), kRowHeight));
     }
 
     void tellsATouchedRow() {

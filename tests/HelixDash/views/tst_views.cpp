@@ -1,7 +1,9 @@
 #include "tests/support/Rows.h"
+#include "tests/support/ThreadTime.h"
 
 #include <HelixDash/views/ControlBase.h>
 #include <HelixDash/views/LabelView.h>
+#include <HelixDash/views/ScrollableView.h>
 #include <HelixDash/views/SkinColor.h>
 
 #include <QTest>
@@ -30,6 +32,14 @@ int inkOf(LabelView* label) {
             ink += 255 - qGray(picture.pixel(x, y));
     }
     return ink;
+}
+
+// Letters of no common width, the more the worse.
+QString manyScripts() {
+    QString letters;
+    for (char16_t letter = 0x400; letters.size() < 65000; letter = letter < 0x9000 ? letter + 1 : 0x400)
+        letters += QChar(letter);
+    return letters;
 }
 
 }  // namespace
@@ -117,6 +127,84 @@ private slots:
         roomy.resize(width + 2 * kRoom, label.height() + 2 * kRoom);
         // The tip of an accent may reach a fraction of a pixel beyond its font's height.
         QVERIFY2(ink > 0.998 * inkOf(&roomy), qPrintable(QString("%1 of %2").arg(ink).arg(inkOf(&roomy))));
+    }
+
+    void aLongTextNeverStopsTheScreen_data() {
+        columns<QString, QString, int>("text", "alignment", "leastLines");
+        const QString words = QString("The factory server has refused the package. ").repeated(1490);
+        row("words", words, "center|top", 2500);
+        row("words at the left", words, "left|top", 2500);
+        row("words at the bottom right", words, "right|bottom", 2500);
+        row("one word", QString(65536, 'W'), "center|top", 4000);
+        row("lines", QString("short line\n").repeated(5958), "center", 5958);
+        row("line ends", QString(65536, '\n'), "center|top", 65536);
+        row("blanks", QString(65536, ' '), "center|top", 1);
+        row("many scripts", manyScripts(), "center|top", 2000);
+        row("surrogates and marks", QString::fromUtf8("😀é̂").repeated(16384), "left|top", 1000);
+    }
+
+    // What comes at the end of a long text looks as it does alone, and can be scrolled to.
+    void aLongTextNeverStopsTheScreen() {
+        QFETCH(QString, text);
+        QFETCH(QString, alignment);
+        QFETCH(int, leastLines);
+        const QString end =
+            "\nthe last words of an answer, kept on the screen" + QString("\n- and a line").repeated(20);
+        const QString style = "Alignment:wordwrap|" + alignment + "; Padding:12; FontSize:25";
+        DisplayView screen;
+        screen.resize(500, 300);
+        screen.show(true);
+        ScrollableView area(&screen);
+        area.resize(425, 280);
+        LabelView alone(end.mid(1));
+        LabelView* label = new LabelView("Ready", area.contentView());
+        for (LabelView* one : {label, &alone}) {
+            one->setBackgroundColor("panel");
+            one->setStyle(style);
+            one->resizeToFit(425);
+        }
+        label->setText("what a font needs at its first use: The factory server has refused");
+        area.grab();
+        double longest = threadMsOf([&] {
+            label->setText(text + end);
+            label->setSkinColor("battery/red");
+            label->setSkinColor("black");
+            label->resizeToFit(425);
+            label->setWidth(425);
+        });
+        for (int part = 0; part < 3; ++part) {
+            area.scrollTo(area.scrollRange() / 2 * part);
+            longest = qMax(longest, threadMsOf([&] { area.grab(); }));
+        }
+        QVERIFY2(longest < 100, qPrintable(QString("%1 ms").arg(longest)));
+        QCOMPARE(label->text(), text + end);
+        QVERIFY2(label->height() > leastLines * 25, qPrintable(QString::number(label->height())));
+        QCOMPARE(area.scrollRange(), label->height() - area.height());
+        const auto lastPixels = [](LabelView* view) {
+            return view->grab(QRect(0, view->height() - 280, 425, 280)).toImage().convertToFormat(QImage::Format_RGB32);
+        };
+        QCOMPARE(lastPixels(label), lastPixels(&alone));
+    }
+
+    void aBoxOfLongTextNeverStopsTheScreen_data() {
+        columns<QString>("text");
+        row("sentence", QString("The factory server has refused the package. ").repeated(1490));
+        row("one word", QString(65536, 'W'));
+        row("a word to be shaped", QString(990, 'W'));
+    }
+
+    // In a fixed size a text is drawn smaller, and cut where it is too long all the same.
+    void aBoxOfLongTextNeverStopsTheScreen() {
+        QFETCH(QString, text);
+        LabelView label;
+        label.resize(420, 45);
+        const auto draw = [&label] { label.grab(); };
+        label.setText("The factory server");
+        draw();
+        label.setText(text);
+        const double ms = threadMsOf(draw);
+        QVERIFY2(ms < 100, qPrintable(QString("%1 ms").arg(ms)));
+        QVERIFY(inkOf(&label) > 1000);
     }
 
     void textContrastsWithWhatLiesBehind_data() {
