@@ -1,6 +1,6 @@
 #include "host/console/ValueControl.h"
 
-#include "host/setup/ValueSetter.h"
+#include "host/values/ValueSetter.h"
 
 #include <QCheckBox>
 #include <QGraphicsOpacityEffect>

@@ -10,7 +10,11 @@
 #include <HelixDash/views/ScrollableView.h>
 #include <HelixDash/views/SwitchControl.h>
 
+#include <QTimer>
+
 namespace {
+
+constexpr int kLookAgainMs = 10;
 
 // The position of an item; nothing if the list does not have it.
 std::optional<int> positionOf(const QStringList& items, const ItemChoice& choice) {
@@ -113,6 +117,11 @@ void MarkRun::start() {
     if (!view)
         return;
     auto* table = qobject_cast<TableView*>(view);
+    if (table && mStep.row < table->rowCount() && !table->cellAt(mStep.row)) {
+        // A long table makes its rows by and by.
+        QTimer::singleShot(kLookAgainMs, this, &MarkRun::start);
+        return;
+    }
     DisplayView* cell = table ? table->cellAt(mStep.row) : nullptr;
     const auto* control = cell ? cell->findChild<SwitchControl*>() : nullptr;
     if (!table)

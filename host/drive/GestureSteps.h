@@ -65,7 +65,8 @@ private:
     bool mChosen = false;
 };
 
-// Scrolls the row to where it can be seen and slides its switch. A table that takes no touch is left where it is.
+// Waits for the row's cell, scrolls the row to where it can be seen and slides its switch. A table that takes no touch
+// is left where it is.
 class MarkRun : public GestureRun {
     Q_OBJECT
 public:

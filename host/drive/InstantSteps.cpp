@@ -2,8 +2,8 @@
 
 #include "host/screen/Screen.h"
 #include "host/screen/ViewTree.h"
-#include "host/setup/ValueSetter.h"
 #include "host/trace/TracePlayer.h"
+#include "host/values/ValueSetter.h"
 
 #include <HelixDash/services/ConfigStore.h>
 

@@ -3,7 +3,7 @@
 #include "host/drive/LogWatch.h"
 #include "host/screen/Screen.h"
 #include "host/screen/ViewTree.h"
-#include "host/setup/ValueSetter.h"
+#include "host/values/ValueSetter.h"
 
 #include <cmath>
 

@@ -1,6 +1,6 @@
 #include "host/setup/HostOptions.h"
 
-#include "host/setup/ValueSetter.h"
+#include "host/values/ValueSetter.h"
 
 #include <QCommandLineParser>
 #include <QRegularExpression>

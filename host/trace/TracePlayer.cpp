@@ -1,7 +1,7 @@
 #include "host/trace/TracePlayer.h"
 
-#include "host/setup/ValueSetter.h"
 #include "host/trace/TraceFile.h"
+#include "host/values/ValueSetter.h"
 
 #include <algorithm>
 #include <cmath>

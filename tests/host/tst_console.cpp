@@ -1,6 +1,6 @@
 #include "host/console/Console.h"
 #include "host/setup/HostServices.h"
-#include "host/setup/ValueSetter.h"
+#include "host/values/ValueSetter.h"
 
 #include <QCheckBox>
 #include <QComboBox>

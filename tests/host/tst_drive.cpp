@@ -88,6 +88,8 @@ void TestDrive::holds_data() {
 {"expect": "mSwitch", "text": "ON"}
 {"pick": "mPicker", "choice": "Sum (Avg.)"}
 {"expect": "mPicker", "text": "Sum (Avg.)"})-");
+    QTest::newRow("a row that is still to be made") << QByteArray(R"({"mark": "mLongTable", "row": 999, "to": "ON"}
+{"expect": "mRow999", "text": "ON"})");
     QTest::newRow("set in the order given") << QByteArray(
         R"({"set": {"VAPI_trim": 2, "VAPI_motorRPM": 2300.5, "VAPI_brakePedal": true, "VAPI_trim": 1}}
 {"set": {"VAPI_motorRPM": null, "MADE_whole": 7, "MADE_real": 7.0}}
@@ -132,6 +134,7 @@ void TestDrive::fails_data() {
         {R"({"pick": "mPicker", "choice": "Middle"})", R"(mPicker has no choice "Middle")"},
         {R"({"mark": "mStart", "row": 0, "to": "NA"})", "mStart is no table"},
         {R"({"mark": "mTable", "row": 0, "to": "NA"})", "mTable has 0 rows"},
+        {R"({"mark": "mLongTable", "row": 1000, "to": "NA"})", "mLongTable has 1000 rows"},
         {R"({"expectLog": "Loaded", "level": "WARN", "within": 0.1})", R"(the newest is INFO "Loaded testapplication)"},
         {R"({"expectValue": "VAPI_trim", "is": 3})", "VAPI_trim is Invalid"},
         {R"({"expectValue": "NONE", "is": null})", "there is no data value NONE"},

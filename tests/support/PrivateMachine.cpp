@@ -1,7 +1,7 @@
 #include "tests/support/PrivateMachine.h"
 
 #include "host/setup/HostServices.h"
-#include "host/setup/ValueSetter.h"
+#include "host/values/ValueSetter.h"
 
 #include <HelixDash/services/ConfigStore.h>
 #include <HelixDash/services/SysUtils.h>

@@ -1,6 +1,8 @@
 #include <HelixDash/services/AppInfo.h>
 #include <HelixDash/services/ConfigValue.h>
 #include <HelixDash/services/Logger.h>
+#include <HelixDash/tables/TableCell.h>
+#include <HelixDash/tables/TableController.h>
 #include <HelixDash/tables/TableView.h>
 #include <HelixDash/values/DataValueManager.h>
 #include <HelixDash/views/ButtonView.h>
@@ -20,6 +22,27 @@ View* placed(View* view, const char* name, int left, int top) {
 }
 
 }  // namespace
+
+// A thousand rows with a switch each: more than a table makes at once.
+class Thousand : public TableModel {
+public:
+    int sectionCount() const override { return 1; }
+    int sectionItemCount(int) const override { return 1000; }
+    QString sectionTitle(int) const override { return {}; }
+};
+
+class Rows : public TableController {
+public:
+    bool createsCells() const override { return false; }
+    int itemHeight(TableView*, const TableModelIndex&) override { return 100; }
+    TableRenderer* rendererForIndex(TableView*, const TableModelIndex&) override { return nullptr; }
+    DisplayView* viewForParent(DisplayView* parent, const TableModelIndex& index) override {
+        const QStringList items = {QStringLiteral("OFF"), QStringLiteral("ON")};
+        return placed(new SlideSwitch(parent, items), qPrintable(QStringLiteral("mRow%1").arg(index.row)), 5, 20);
+    }
+    void itemSelected(TableView*, const TableModelIndex&) override {}
+    TableCell* createCellForItem(TableView*, const TableModelIndex&) override { return nullptr; }
+};
 
 // An application with something for every step of a drive.
 class TestApplication : public DisplayView {
@@ -58,6 +81,9 @@ private:
         auto* picker = placed(new DropDownPicker(this, 300), "mPicker", 500, 140);
         picker->setChoices({QStringLiteral("Right"), QStringLiteral("Left"), QStringLiteral("Sum (Avg.)")});
         placed(new TableView(this), "mTable", 240, 480);
+        auto* longTable = placed(new TableView(this), "mLongTable", 700, 480);
+        longTable->setController(&mRows);
+        longTable->setModel(&mThousand);
     }
 
     void say(const QString& text, const QString& colour) {
@@ -90,6 +116,8 @@ private:
                           QLatin1Char(' '));
     }
 
+    Thousand mThousand;
+    Rows mRows;
     LabelView* mStatus;
     LabelView* mSignals;
     ButtonView* mStart;

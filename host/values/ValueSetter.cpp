@@ -1,4 +1,4 @@
-#include "host/setup/ValueSetter.h"
+#include "host/values/ValueSetter.h"
 
 #include <optional>
 
