@@ -3,6 +3,7 @@
 #include <QLocale>
 
 #include <cmath>
+#include <limits>
 #include <utility>
 
 namespace {
@@ -15,8 +16,8 @@ bool isWholeNumber(const QVariant& value) {
         return number == std::trunc(number) && std::abs(number) <= 2147483647.0;
     }
     bool ok = false;
-    value.toInt(&ok);
-    return ok;
+    const qlonglong number = value.toLongLong(&ok);
+    return ok && number >= std::numeric_limits<int>::min() && number <= std::numeric_limits<int>::max();
 }
 
 }  // namespace

@@ -13,7 +13,7 @@
 namespace {
 
 DriveAction readSet(StepReader& reader, const QDir&) {
-    return SetStep{reader.namedValues("set", true, false)};
+    return SetStep{reader.dataValues("set")};
 }
 
 DriveAction readTrace(StepReader& reader, const QDir& directory) {
@@ -30,7 +30,7 @@ DriveAction readTrace(StepReader& reader, const QDir& directory) {
         return TraceStep{};
     }
     if (!TracePlayer::fits(*trace, &reason))
-        reader.refuse(path + QStringLiteral(": ") + reason);
+        reader.refuse(reason);
     if (from > trace->duration())
         reader.refuse(QStringLiteral("from: %1 ends after %2 s").arg(path).arg(trace->duration()));
     return TraceStep{std::make_shared<const TraceFile>(std::move(*trace)), from};
@@ -86,7 +86,7 @@ DriveAction readExpectValue(StepReader& reader, const QDir&) {
 }
 
 DriveAction readConfig(StepReader& reader, const QDir&) {
-    return ConfigStep{reader.namedValues("config", false, true)};
+    return ConfigStep{reader.settings("config")};
 }
 
 DriveAction readGrab(StepReader& reader, const QDir&) {

@@ -1,5 +1,7 @@
 #include "host/drive/StepReader.h"
 
+#include "host/values/ValueSetter.h"
+
 #include <QJsonDocument>
 
 #include <cmath>
@@ -100,27 +102,48 @@ QVariant StepReader::valueOrNull(const char* name) {
     return member->value.isBool() ? QVariant(member->value.toBool()) : QVariant(member->value.toDouble());
 }
 
-NamedVariants StepReader::namedValues(const char* name, bool allowNull, bool allowText) {
+std::vector<OrderedMember> StepReader::object(const char* name) {
     const OrderedMember* object = demand(name);
-    NamedVariants values;
     if (!object)
-        return values;
+        return {};
     if (!object->value.isObject()) {
         refuse(wanted(name, "an object of names and values"));
-        return values;
+        return {};
     }
-    for (const OrderedMember& member : membersInOrder(object->source)) {
+    const std::vector<OrderedMember> members = membersInOrder(object->source);
+    if (members.empty())
+        refuse(wanted(name, "at least one name with its value"));
+    return members;
+}
+
+void StepReader::refuse(const char* name, const OrderedMember& member) {
+    refuse(QStringLiteral("%1: \"%2\" cannot be %3")
+               .arg(QLatin1String(name), member.name, QString::fromUtf8(member.source)));
+}
+
+NamedVariants StepReader::dataValues(const char* name) {
+    NamedVariants values;
+    for (const OrderedMember& member : object(name)) {
         const QJsonValue& value = member.value;
-        const bool fits =
-            value.isBool() || value.isDouble() || (allowNull && value.isNull()) || (allowText && value.isString());
-        if (!fits || member.name.isEmpty())
-            refuse(QStringLiteral("%1: \"%2\" cannot be %3")
-                       .arg(QLatin1String(name), member.name, QString::fromUtf8(member.source)));
+        QString reason;
+        if (member.name.isEmpty() || !(value.isBool() || value.isDouble() || value.isNull()))
+            refuse(name, member);
+        else if (value.isDouble() && !ValueSetter::hasRoom(member.name, value.toDouble(), !member.isReal(), &reason))
+            refuse(QLatin1String(name) + QStringLiteral(": ") + reason);
         values.emplace_back(member.name, value.isNull() ? QVariant() : toVariant(member));
     }
-    if (values.empty())
-        refuse(wanted(name, "at least one name with its value"));
     return values;
+}
+
+NamedVariants StepReader::settings(const char* name) {
+    NamedVariants settings;
+    for (const OrderedMember& member : object(name)) {
+        const QJsonValue& value = member.value;
+        if (member.name.isEmpty() || !(value.isBool() || value.isDouble() || value.isString()))
+            refuse(name, member);
+        settings.emplace_back(member.name, toVariant(member));
+    }
+    return settings;
 }
 
 double StepReader::seconds(const char* name, double otherwise) {
@@ -130,6 +153,10 @@ double StepReader::seconds(const char* name, double otherwise) {
     const double seconds = member->value.toDouble(-1.0);
     if (seconds < 0.0)
         refuse(wanted(name, "a number of seconds from 0"));
+    if (seconds > kLongestSeconds)
+        refuse(QStringLiteral("%1: %2 s are more than %3 s")
+                   .arg(QLatin1String(name), QString::fromUtf8(member->source))
+                   .arg(kLongestSeconds));
     return seconds;
 }
 

@@ -31,10 +31,14 @@ public:
     int wholeNumber(const char* name);
     ItemChoice item(const char* name);
     QVariant valueOrNull(const char* name);
-    // The members of an object of data values; null is allowed for a member if allowNull says so, texts if allowText.
-    NamedVariants namedValues(const char* name, bool allowNull, bool allowText);
+    // The members of an object of data values, with null for an invalid one. A whole number that the value of its name
+    // has no room for, or beyond 32 bit for a name that nobody has yet, is a fault.
+    NamedVariants dataValues(const char* name);
+    // The members of an object of settings, texts among them.
+    NamedVariants settings(const char* name);
 
     // Members that may be missing.
+    // From 0 to kLongestSeconds.
     double seconds(const char* name, double otherwise);
     std::optional<bool> truth(const char* name);
     std::optional<QString> anyText(const char* name);
@@ -43,6 +47,12 @@ public:
     void refuseUnknown(const QString& kind);
 
 private:
+    // Some 23 days, which still are milliseconds of 32 bit.
+    static constexpr int kLongestSeconds = 2000000;
+
+    // The members of an object that is not empty.
+    std::vector<OrderedMember> object(const char* name);
+    void refuse(const char* name, const OrderedMember& member);
     const OrderedMember* find(const char* name) const;
     // The member, or null and a fault. Marks it as known.
     const OrderedMember* demand(const char* name);

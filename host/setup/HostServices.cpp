@@ -85,7 +85,7 @@ bool HostServices::open(const HostOptions& options, QString* error) {
             return refuse(error, "--set", reason);
     }
     if (mTrace && !TracePlayer::fits(*mTrace, &reason))
-        return refuse(error, "--trace", options.traceFile + QStringLiteral(": ") + reason);
+        return refuse(error, "--trace", reason);
     return true;
 }
 

@@ -19,6 +19,7 @@ private:
     bool readRow(const QByteArrayList& cells);
     bool readTime(const QByteArray& cell);
     bool readCell(const QByteArray& cell, TraceFile::Column& column);
+    void noteNumber(const QByteArray& cell, TraceFile::Column& column) const;
     bool refuse(const QString& reason);
 
     TraceFile mTrace;
@@ -46,6 +47,10 @@ std::optional<double> toNumber(const QByteArray& cell) {
     if (!ok || !std::isfinite(number))
         return std::nullopt;
     return number;
+}
+
+bool isWhole(const QByteArray& cell) {
+    return std::none_of(cell.begin(), cell.end(), [](char c) { return c == '.' || c == 'e' || c == 'E'; });
 }
 
 bool isWhole32(const QByteArray& cell) {
@@ -146,12 +151,26 @@ bool TraceReader::readCell(const QByteArray& cell, TraceFile::Column& column) {
                                    wasTruth ? QStringLiteral("true or false") : QStringLiteral("numbers")));
         if (truth)
             column.type = Type::Bool;
-        else if (column.type != Type::Real)
-            column.type = isWhole32(cell) ? Type::Int : Type::Real;
+        else
+            noteNumber(cell, column);
     }
     mTrace.mStates.push_back(state);
     mTrace.mNumbers.push_back(number.value_or(0.0));
     return true;
+}
+
+void TraceReader::noteNumber(const QByteArray& cell, TraceFile::Column& column) const {
+    using Type = TraceFile::Type;
+    const bool isReal = column.type == Type::Real && column.tooLargeLine == 0;
+    if (isReal || !isWhole(cell)) {
+        column.type = Type::Real;
+        column.tooLargeLine = 0;
+    } else if (!isWhole32(cell) && column.tooLargeLine == 0) {
+        column.type = Type::Real;
+        column.tooLargeLine = mLine;
+    } else if (column.type == Type::None) {
+        column.type = Type::Int;
+    }
 }
 
 bool TraceReader::refuse(const QString& reason) {
@@ -172,7 +191,9 @@ std::optional<TraceFile> TraceFile::read(const QString& path, QString* error) {
 std::optional<TraceFile> TraceFile::read(QIODevice& device, const QString& name, QString* error) {
     QString reason;
     std::optional<TraceFile> trace = TraceReader().read(device, reason);
-    if (!trace && error)
+    if (trace)
+        trace->mName = name;
+    else if (error)
         *error = name + QLatin1Char(':') + reason;
     return trace;
 }

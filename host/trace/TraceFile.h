@@ -27,13 +27,15 @@ class QIODevice;
 // A plain value without a thread of its own. Needs QtCore alone.
 class TraceFile {
 public:
-    // What a column's cells say: whole numbers of 32 bit are Int; one cell with a decimal point, an exponent or a
-    // larger number makes the whole column Real. None: the column never gives a value.
+    // What a column's cells say: whole numbers are Int, one cell with a decimal point or an exponent makes the whole
+    // column Real. Whole numbers beyond 32 bit have room in a Real value alone: a column with one of them is Real, and
+    // names the line of the first. None: the column never gives a value.
     enum class Type { None, Bool, Int, Real };
 
     struct Column {
         QString name;
         Type type = Type::None;
+        int tooLargeLine = 0;  // of a whole number beyond 32 bit in a column without point and exponent; else 0
     };
 
     struct Cell {
@@ -47,6 +49,8 @@ public:
     // The same from an open device; the name stands for it in errors.
     static std::optional<TraceFile> read(QIODevice& device, const QString& name, QString* error);
 
+    // The path, or what stands for it in errors.
+    const QString& name() const { return mName; }
     // Without the time's column, in the order of the header.
     const std::vector<Column>& columns() const { return mColumns; }
     // -1 if the trace has no such column.
@@ -64,6 +68,7 @@ private:
 
     std::size_t indexOf(int row, int column) const { return std::size_t(row) * mColumns.size() + std::size_t(column); }
 
+    QString mName;
     std::vector<Column> mColumns;
     std::vector<double> mTimes;
     // Row by row.

@@ -46,16 +46,22 @@ TracePlayer::TracePlayer(QObject* parent) : QObject(parent) {
 }
 
 bool TracePlayer::fits(const TraceFile& trace, QString* error) {
+    const auto refuse = [&](const QString& reason) {
+        if (error)
+            *error = trace.name() + reason;
+        return false;
+    };
     for (const TraceFile::Column& column : trace.columns()) {
         const DataValue* value = Manager::instance().find(column.name);
         const auto type = valueType(column.type);
-        if (value && type && !ValueSetter::canHold(ValueSetter::typeOf(*value), *type)) {
-            if (error)
-                *error = QStringLiteral("%1 is %2, the trace gives %3")
-                             .arg(column.name, ValueSetter::typeName(ValueSetter::typeOf(*value)),
-                                  ValueSetter::typeName(*type));
-            return false;
-        }
+        const auto wanted = value ? std::optional(ValueSetter::typeOf(*value)) : std::nullopt;
+        if (column.tooLargeLine > 0 && wanted.value_or(Manager::Type::Int) == Manager::Type::Int)
+            return refuse(QStringLiteral(":%1: %2 is a whole number of 32 bit, the trace gives a larger one")
+                              .arg(column.tooLargeLine)
+                              .arg(column.name));
+        if (wanted && type && !ValueSetter::canHold(*wanted, *type))
+            return refuse(QStringLiteral(": %1 is %2, the trace gives %3")
+                              .arg(column.name, ValueSetter::typeName(*wanted), ValueSetter::typeName(*type)));
     }
     return true;
 }

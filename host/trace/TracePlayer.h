@@ -23,7 +23,8 @@ class TracePlayer : public QObject {
 public:
     explicit TracePlayer(QObject* parent = nullptr);
 
-    // Whether every column fits the data value of its name, where there is one; an error names the first that does not.
+    // Whether every column fits the data value of its name; one that there is not yet gets the column's type, and a
+    // whole number beyond 32 bit none. An error "FILE: reason" or "FILE:LINE: reason" names the first that does not.
     static bool fits(const TraceFile& trace, QString* error);
 
     // Replaces what is playing. False with a reason, and all as it was, if the trace does not fit.

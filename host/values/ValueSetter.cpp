@@ -1,8 +1,12 @@
 #include "host/values/ValueSetter.h"
 
+#include <limits>
 #include <optional>
 
 namespace {
+
+// Of a whole number that a double holds exactly.
+constexpr int kAllDigits = 17;
 
 bool refuse(QString* error, const QString& reason) {
     if (error)
@@ -15,11 +19,8 @@ std::optional<ValueSetter::Type> typeToMake(const QVariant& value) {
         case QMetaType::Bool:
             return ValueSetter::Type::Bool;
         case QMetaType::Int:
-        case QMetaType::LongLong: {
-            bool fits32 = false;
-            value.toInt(&fits32);
-            return fits32 ? ValueSetter::Type::Int : ValueSetter::Type::Real;
-        }
+        case QMetaType::LongLong:
+            return ValueSetter::Type::Int;
         case QMetaType::Double:
             return ValueSetter::Type::Real;
         default:
@@ -56,7 +57,19 @@ bool ValueSetter::canHold(Type value, Type given) {
     return value == given || (value == Type::Real && given == Type::Int);
 }
 
+bool ValueSetter::hasRoom(const QString& name, double number, bool writtenWhole, QString* error) {
+    const DataValue* target = DataValueManager::instance().find(name);
+    const bool isWhole = target ? typeOf(*target) == Type::Int : writtenWhole;
+    if (!isWhole || (number >= std::numeric_limits<int>::min() && number <= std::numeric_limits<int>::max()))
+        return true;
+    return refuse(error, QStringLiteral("%1 is a whole number of 32 bit and cannot be %2")
+                             .arg(name, QString::number(number, 'g', kAllDigits)));
+}
+
 bool ValueSetter::set(const QString& name, const QVariant& value, QString* error) {
+    const bool isWhole = value.userType() == QMetaType::Int || value.userType() == QMetaType::LongLong;
+    if (isWhole && !hasRoom(name, value.toDouble(), true, error))
+        return false;
     DataValue* target = DataValueManager::instance().find(name);
     if (!target) {
         const std::optional<Type> type = typeToMake(value);

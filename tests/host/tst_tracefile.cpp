@@ -74,15 +74,18 @@ void TestTraceFile::toleratesWhatLoggersWrite() {
 
 void TestTraceFile::infersColumnTypes() {
     const auto trace = read(
-        "t_s,whole,point,exponent,over32bit,truth,never\n"
-        "0,1,1,1,3000000000,invalid,invalid\n"
-        "1,-2,2.0,2e3,1,true,\n"
-        "2,invalid,3,3,2,false,\n");
+        "t_s,whole,point,exponent,over32bit,truth,never,overthenpoint,pointthenover\n"
+        "0,1,1,1,3,invalid,invalid,3000000000,1.5\n"
+        "1,-2,2.0,2e3,3000000000,true,,1,3000000000\n"
+        "2,invalid,3,3,-2147483649,false,,1.5,1\n");
     QVERIFY(trace);
     using Type = TraceFile::Type;
-    const Type expected[] = {Type::Int, Type::Real, Type::Real, Type::Real, Type::Bool, Type::None};
-    for (const TraceFile::Column& column : trace->columns())
+    const Type expected[] = {Type::Int,  Type::Real, Type::Real, Type::Real,
+                             Type::Bool, Type::None, Type::Real, Type::Real};
+    for (const TraceFile::Column& column : trace->columns()) {
         QVERIFY2(column.type == expected[trace->columnOf(column.name)], qPrintable(column.name));
+        QCOMPARE(column.tooLargeLine, column.name == "over32bit" ? 3 : 0);
+    }
 }
 
 void TestTraceFile::followsOneColumn() {
