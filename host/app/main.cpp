@@ -1,5 +1,6 @@
 #include "host/app/Session.h"
 #include "host/console/Console.h"
+#include "host/setup/PlainText.h"
 
 #include <QApplication>
 #include <QFile>
@@ -53,7 +54,7 @@ private:
 };
 
 int refuse(const QString& error) {
-    std::fprintf(stderr, "helixdash: %s\n", qPrintable(error));
+    std::fprintf(stderr, "helixdash: %s\n", PlainText::printable(error).constData());
     return kUnusable;
 }
 

@@ -1,5 +1,7 @@
 #include "host/drive/DriveRunner.h"
 
+#include "host/setup/PlainText.h"
+
 #include <cmath>
 #include <cstdio>
 #include <utility>
@@ -24,12 +26,16 @@ void DriveRunner::start() {
     mTimer.start(0);
 }
 
+QByteArray DriveRunner::source() const {
+    return PlainText::printable(QString::fromUtf8(step().source));
+}
+
 void DriveRunner::beginStep() {
     // The run of the step before has been left by its signal only now.
     mRun.reset();
     if (mStep == mDrive.steps.size()) {
-        std::fprintf(stderr, "%8.3f s  %s: all %zu steps held\n", seconds(), qPrintable(mDrive.path),
-                     mDrive.steps.size());
+        std::fprintf(stderr, "%8.3f s  %s: all %zu steps held\n", seconds(),
+                     PlainText::printable(mDrive.path).constData(), mDrive.steps.size());
         emit finished(true);
         return;
     }
@@ -38,7 +44,7 @@ void DriveRunner::beginStep() {
         mTimer.start(int(std::ceil(std::min(earlyMs, kLongestWaitMs))));
         return;
     }
-    std::fprintf(stderr, "%8.3f s  %4d  %s\n", seconds(), step().line, step().source.constData());
+    std::fprintf(stderr, "%8.3f s  %4d  %s\n", seconds(), step().line, source().constData());
     mRun = StepRun::make(step().action, mStage);
     connect(mRun.get(), &StepRun::held, this, &DriveRunner::stepHeld);
     connect(mRun.get(), &StepRun::failed, this, &DriveRunner::stepFailed);
@@ -51,7 +57,7 @@ void DriveRunner::stepHeld() {
 }
 
 void DriveRunner::stepFailed(const QString& seen) {
-    std::fprintf(stderr, "%s:%d: %s\n    failed after %.3f s: %s\n", qPrintable(mDrive.path), step().line,
-                 step().source.constData(), seconds(), qPrintable(seen));
+    std::fprintf(stderr, "%s:%d: %s\n    failed after %.3f s: %s\n", PlainText::printable(mDrive.path).constData(),
+                 step().line, source().constData(), seconds(), PlainText::printable(seen).constData());
     emit finished(false);
 }

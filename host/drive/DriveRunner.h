@@ -9,7 +9,7 @@
 // Plays a drive: its steps one after the other on the event loop, each said in a line on standard error as it begins.
 //
 // The first step that does not hold ends the drive; file, line, step and what was seen instead are written to standard
-// error. UI thread.
+// error, with nothing in it that acts on a terminal. UI thread.
 class DriveRunner : public QObject {
     Q_OBJECT
 public:
@@ -24,6 +24,8 @@ signals:
 
 private:
     double seconds() const { return double(mClock.nsecsElapsed()) / 1e9; }
+    // The step's line as it may be printed.
+    QByteArray source() const;
     void beginStep();
     void stepHeld();
     void stepFailed(const QString& seen);

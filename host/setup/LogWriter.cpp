@@ -1,16 +1,13 @@
 #include "host/setup/LogWriter.h"
 
+#include "host/setup/PlainText.h"
+
 #include <HelixDash/services/Logger.h>
 
 #include <cstdio>
 
 QByteArray LogMessage::toLine() const {
-    QString escaped = text;
-    escaped.replace(QLatin1String("\\"), QLatin1String("\\\\"));
-    escaped.replace(QLatin1String("\t"), QLatin1String("\\t"));
-    for (const char* lineEnd : {"\r\n", "\n", "\r"})
-        escaped.replace(QLatin1String(lineEnd), QLatin1String("\\n"));
-    const QStringList fields = {time.toUTC().toString(Qt::ISODateWithMs), level, sender, escaped};
+    const QStringList fields = {time.toUTC().toString(Qt::ISODateWithMs), level, sender, PlainText::field(text)};
     return fields.join(QLatin1Char('\t')).toUtf8() + '\n';
 }
 
@@ -43,7 +40,7 @@ void LogWriter::deliver(const LogMessage& message) {
     const QByteArray line = message.toLine();
     if (mFile.write(line) != line.size() && !mFailed) {
         mFailed = true;
-        std::fprintf(stderr, "The log cannot be written: %s\n", qPrintable(mFile.errorString()));
+        std::fprintf(stderr, "The log cannot be written: %s\n", PlainText::printable(mFile.errorString()).constData());
     }
     QMetaObject::invokeMethod(
         this, [this, message] { emit written(message); }, Qt::QueuedConnection);

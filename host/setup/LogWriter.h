@@ -12,7 +12,7 @@ struct LogMessage {
     QString text;    // exactly as delivered
 
     // Four fields between tabs, with a line end: time with milliseconds, level, sender and text, in which line ends,
-    // tabs and backslashes are written as \n, \t and \\.
+    // tabs and backslashes are written as \n, \t and \\, other control characters as \xNN (PlainText::field()).
     QByteArray toLine() const;
 };
 

@@ -9,10 +9,15 @@
 
 namespace {
 
-constexpr std::array kSignals = {SIGINT, SIGTERM};
+constexpr std::array kSignals = {SIGINT, SIGTERM, SIGHUP};
 
 // A handler may do little more than write a byte: the event loop reads it at the other end.
 int pipeEnds[2] = {-1, -1};
+
+bool isIgnored(int signal) {
+    struct sigaction action {};
+    return ::sigaction(signal, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
+}
 
 void noteSignal(int signal) {
     const auto number = static_cast<unsigned char>(signal);
@@ -27,6 +32,10 @@ StopSignals::StopSignals(QObject* parent) : QObject(parent) {
         return;
     auto* notifier = new QSocketNotifier(pipeEnds[0], QSocketNotifier::Read, this);
     connect(notifier, &QSocketNotifier::activated, this, &StopSignals::read);
+    for (int signal : kSignals) {
+        if (!isIgnored(signal))
+            mCaught.push_back(signal);
+    }
     rearm();
 }
 
@@ -34,12 +43,12 @@ void StopSignals::rearm() {
     struct sigaction action {};
     action.sa_handler = noteSignal;
     action.sa_flags = SA_RESTART | int(SA_RESETHAND);
-    for (int signal : kSignals)
+    for (int signal : mCaught)
         ::sigaction(signal, &action, nullptr);
 }
 
 StopSignals::~StopSignals() {
-    for (int signal : kSignals)
+    for (int signal : mCaught)
         std::signal(signal, SIG_DFL);
     qDeleteAll(children());
     ::close(pipeEnds[0]);

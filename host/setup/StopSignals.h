@@ -2,8 +2,11 @@
 
 #include <QObject>
 
-// SIGINT and SIGTERM as a signal on the event loop, so that a program can end what it has begun. A second one of the
-// same kind ends the process at once, unless rearm() has been called.
+#include <vector>
+
+// SIGINT, SIGTERM and SIGHUP as a signal on the event loop, so that a program can end what it has begun. A second one
+// of the same kind ends the process at once, unless rearm() has been called. What the process was told to ignore when
+// it was started (SIGHUP by nohup) stays ignored.
 //
 // One object at a time. UI thread.
 class StopSignals : public QObject {
@@ -23,4 +26,6 @@ signals:
 
 private:
     void read();
+
+    std::vector<int> mCaught;
 };

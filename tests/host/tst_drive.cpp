@@ -7,6 +7,8 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <csignal>
+
 // Plays drives on the test application through the real program, each row in a process and a directory of its own.
 class TestDrive : public QObject {
     Q_OBJECT
@@ -21,7 +23,9 @@ private slots:
     void refusesArguments();
     void drawsAndDescribesTheScreen();
     void waitsForItsTimes();
-    void endsCleanlyOnATermination();
+    void endsCleanlyOnASignal_data();
+    void endsCleanlyOnASignal();
+    void printsNothingThatActsOnATerminal();
 
 private:
     struct Result {
@@ -63,6 +67,7 @@ void TestDrive::init() {
     write(QStringLiteral("c.ini"), "[test]\nStopped=All\n");
     write(QStringLiteral("trace.csv"),
           "t_s,VAPI_trim,TRACE_made,VAPI_brakePedal\n0,1,,invalid\n0.01,2,0.5,\n100,3,,\n");
+    write(QStringLiteral("largereal.csv"), "t_s,VAPI_motorRPM\n0,3000000000\n");
 }
 
 void TestDrive::holds_data() {
@@ -97,6 +102,15 @@ void TestDrive::holds_data() {
 {"expectValue": "VAPI_trim", "is": 1.0}
 {"expectValue": "VAPI_motorRPM", "is": null}
 {"expectValue": "MADE_real", "is": 7})");
+    QTest::newRow("large numbers") << QByteArray(R"({"set": {"WHOLE": -2147483648, "REAL": 3e9, "POINT": 4294967297.0}}
+{"expectValue": "WHOLE", "is": -2147483648}
+{"expectValue": "REAL", "is": 3000000000}
+{"expectValue": "POINT", "is": 4294967297}
+{"set": {"VAPI_motorRPM": 4294967297, "VAPI_trim": 2147483647}}
+{"expectValue": "VAPI_motorRPM", "is": 4294967297}
+{"trace": "largereal.csv"}
+{"expectValue": "VAPI_motorRPM", "is": 3000000000, "within": 2}
+{"wait": 0, "at": 0.001})");
     QTest::newRow("trace") << QByteArray(R"({"trace": "trace.csv"}
 {"expectValue": "VAPI_trim", "is": 2, "within": 2}
 {"expectValue": "TRACE_made", "is": 0.5}
@@ -163,6 +177,18 @@ void TestDrive::fails_data() {
         {R"({"expect": "a", "matches": "("})", "matches: "},
         {R"({"expect": "a", "text": "a", "matches": "a"})", "matches stands instead of text"},
         {R"({"expect": "a", "there": false, "colour": "red"})", "a view that is not there has no other condition"},
+        {R"({"set": {"NEW": 3000000000}})", "set: NEW is a whole number of 32 bit and cannot be 3000000000"},
+        {R"({"set": {"NEW": -2147483649}})", "set: NEW is a whole number of 32 bit and cannot be -2147483649"},
+        {R"({"set": {"NEW": 99999999999999999999}})", "set: NEW is a whole number of 32 bit and cannot be 1e+20"},
+        {R"({"set": {"VAPI_trim": 4294967297}})", "VAPI_trim is a whole number of 32 bit and cannot be 4294967297"},
+        {R"({"set": {"VAPI_trim": 1e10}})", "VAPI_trim is a whole number of 32 bit and cannot be 10000000000"},
+        {R"({"wait": 2147484})", "wait: 2147484 s are more than 2000000 s"},
+        {R"({"touch": "mStart", "hold": 3e6})", "hold: 3e6 s are more than 2000000 s"},
+        {R"({"expect": "mStart", "within": 1e300})", "within: 1e300 s are more than 2000000 s"},
+        {R"({"wait": 0, "at": 2000001})", "at: 2000001 s are more than 2000000 s"},
+        {R"({"trace": "trace.csv", "from": 1e10})", "from: 1e10 s are more than 2000000 s"},
+        {R"({"trace": "large.csv"})", "large.csv:4: NEW is a whole number of 32 bit, the trace gives a larger one"},
+        {R"({"trace": "largetrim.csv"})", "largetrim.csv:2: VAPI_trim is a whole number of 32 bit, the trace gives"},
         {R"({"trace": "none.csv"})", "none.csv: No such file"},
         {R"({"trace": "pedal.csv"})", "pedal.csv: VAPI_brakePedal is a truth value, the trace gives a whole number"},
         {R"({"trace": "trace.csv", "from": 101})", "from: trace.csv ends after 100 s"},
@@ -176,6 +202,8 @@ void TestDrive::fails() {
     QFETCH(QString, reason);
     QFETCH(int, status);
     write(QStringLiteral("pedal.csv"), "t_s,VAPI_brakePedal\n0,1\n");
+    write(QStringLiteral("large.csv"), "t_s,VAPI_motorRPM,NEW\n0,3000000000,1\n1,,\n2,,-2147483649\n3,,3000000000\n");
+    write(QStringLiteral("largetrim.csv"), "t_s,VAPI_trim\n0,4294967297\n");
     const Result result = play("# one step\n{\"wait\": 0.001}\n" + line + "\n{\"touch\": \"mStart\"}\n");
     QCOMPARE(result.status, status);
     const bool started = status == 1;
@@ -256,18 +284,40 @@ void TestDrive::waitsForItsTimes() {
     QVERIFY(clock.elapsed() >= 900);
 }
 
-void TestDrive::endsCleanlyOnATermination() {
+void TestDrive::endsCleanlyOnASignal_data() {
+    QTest::addColumn<int>("number");
+    QTest::addColumn<QStringList>("before");
+    QTest::newRow("interrupt") << SIGINT << QStringList();
+    QTest::newRow("termination") << SIGTERM << QStringList();
+    QTest::newRow("terminal gone") << SIGHUP << QStringList();
+    QTest::newRow("terminal gone, ignored") << SIGTERM << QStringList("nohup");
+}
+
+void TestDrive::endsCleanlyOnASignal() {
+    QFETCH(int, number);
+    QFETCH(QStringList, before);
     QProcess process;
     process.setReadChannel(QProcess::StandardError);
-    start(process, usualArguments());
+    process.setWorkingDirectory(mDirectory->path());
+    const QStringList command = before + QStringList(NVH_BIN_DIR "/helixdash") + usualArguments();
+    process.start(command.first(), command.mid(1));
     QByteArray errors;
     while (!errors.contains("Loaded") && process.waitForReadyRead(10000))
         errors += process.readAll();
     QVERIFY2(errors.contains("Loaded"), errors.constData());
-    process.terminate();
+    if (!before.isEmpty())
+        ::kill(pid_t(process.processId()), SIGHUP);
+    ::kill(pid_t(process.processId()), number);
     QVERIFY(process.waitForFinished(10000));
     QCOMPARE(process.exitStatus(), QProcess::NormalExit);
-    QCOMPARE(process.exitCode(), 128 + 15);
+    QCOMPARE(process.exitCode(), 128 + number);
+}
+
+void TestDrive::printsNothingThatActsOnATerminal() {
+    const Result result = play("{\"set\": {\"A\": true}, \"at\": 0}\n{\"expect\": \"m\\u001b[2J\\u009bN\"}\n");
+    QCOMPARE(result.status, 1);
+    QVERIFY2(result.errors.contains(QLatin1String("there is no view m\\x1b[2J\\x9bN")), qPrintable(result.errors));
+    QVERIFY(!result.errors.contains(QLatin1Char('\x1b')));
 }
 
 QTEST_GUILESS_MAIN(TestDrive)

@@ -1,6 +1,7 @@
 #include "host/setup/HostOptions.h"
 #include "host/setup/HostServices.h"
 #include "host/setup/LogWriter.h"
+#include "host/setup/PlainText.h"
 
 #include <HelixDash/services/Logger.h>
 #include <HelixDash/services/RuntimeEnv.h>
@@ -70,8 +71,12 @@ void TestHostSetup::refusesWrongOptions() {
 void TestHostSetup::writesALogLine() {
     const QDateTime time(QDate(2024, 2, 29), QTime(23, 59, 59, 7), Qt::UTC);
     const LogMessage message{time, QStringLiteral("INFO"), QStringLiteral("NVHWorker"),
-                             QString::fromUtf8("\tC:\\new a\nb\r\nc\rd\n Gerät ")};
-    QCOMPARE(message.toLine(), "2024-02-29T23:59:59.007Z\tINFO\tNVHWorker\t\\tC:\\\\new a\\nb\\nc\\nd\\n Gerät \n");
+                             QString::fromUtf8("\tC:\\new a\nb\r\nc\rd\n\x1b[2J\b\x7f\u009b\u2028 Gerät ")};
+    QCOMPARE(message.toLine(),
+             "2024-02-29T23:59:59.007Z\tINFO\tNVHWorker\t\\tC:\\\\new a\\nb\\nc\\nd\\n\\x1b[2J\\x08\\x7f\\x9b\\u2028 "
+             "Gerät \n");
+    QCOMPARE(PlainText::lines(message.text),
+             QString::fromUtf8("\tC:\\new a\nb\nc\\x0dd\n\\x1b[2J\\x08\\x7f\\x9b\\u2028 Gerät "));
 }
 
 void TestHostSetup::opensServicesAndLog() {
