@@ -5,7 +5,7 @@
 
 #include <QCoreApplication>
 
-// Packing 60 s of recording through the package manager against the bare shell pipeline.
+// Packing 60 s of recording through the package manager against the bare shell pipeline; both bring it to the disk.
 Measurement packingMeasurement();
 
 // Value changes that a logger writes without losing one against a bare fprintf loop.

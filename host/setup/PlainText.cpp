@@ -3,7 +3,8 @@
 namespace {
 
 bool isControl(QChar letter) {
-    return letter.category() == QChar::Other_Control || letter == QChar::LineSeparator ||
+    const char16_t code = letter.unicode();
+    return code < 0x20 || (code >= 0x7f && code < 0xa0) || letter == QChar::LineSeparator ||
            letter == QChar::ParagraphSeparator;
 }
 

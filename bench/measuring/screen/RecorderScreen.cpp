@@ -2,6 +2,7 @@
 
 #include "host/screen/PluginLoader.h"
 
+#include <HelixDash/tables/TableView.h>
 #include <HelixDash/views/LabelView.h>
 
 #include <QCoreApplication>
@@ -32,6 +33,16 @@ void RecorderScreen::call(const char* slot) {
 QString RecorderScreen::labelText(const char* name) const {
     const auto* label = mScreen.findChild<const LabelView*>(QLatin1String(name));
     return label ? label->text() : QString();
+}
+
+int RecorderScreen::rowCount(const char* name) const {
+    const auto* table = mScreen.findChild<const TableView*>(QLatin1String(name));
+    return table ? table->rowCount() : 0;
+}
+
+bool RecorderScreen::rowsAreReady(const char* name) const {
+    const auto* table = mScreen.findChild<const TableView*>(QLatin1String(name));
+    return table && table->readyRows() == table->rowCount();
 }
 
 QObject* RecorderScreen::find(const char* className) const {

@@ -20,6 +20,10 @@ public:
     void call(const char* slot);
     // The text of a label, by its view name; empty if there is none.
     QString labelText(const char* name) const;
+    // The rows of a table, by its view name; 0 if there is none.
+    int rowCount(const char* name) const;
+    // There is such a table, and all its rows are made.
+    bool rowsAreReady(const char* name) const;
 
 private:
     QObject* find(const char* className) const;

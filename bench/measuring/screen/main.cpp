@@ -1,18 +1,19 @@
 // What the recorder's screen costs: time to the first picture and memory beside a bare window with one label, a change
-// of mode, and the longest absence from the event loop while it records, saves and uploads. Needs the bench;
-// bench/measure starts both.
+// of mode, and the longest absence from the event loop while it records, saves and uploads, and while a server answers
+// with far more than a screen can show. Needs the bench; bench/measure starts both.
 //
 // The first two are taken in processes of their own, so that each meets the recorder for the first time.
 
 #include "bench/measuring/LoopWatch.h"
 #include "bench/measuring/Report.h"
 #include "bench/measuring/screen/RecorderScreen.h"
+#include "bench/measuring/screen/ServerAnswers.h"
+#include "bench/measuring/screen/Waiting.h"
 #include "host/setup/HostServices.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QElapsedTimer>
-#include <QEventLoop>
 #include <QFile>
 #include <QLabel>
 #include <QProcess>
@@ -117,22 +118,6 @@ Figure measureModeChanges(RecorderScreen& recorder) {
     return figure;
 }
 
-// Lets the event loop turn until the label has the text, a limited time.
-bool waitForLabel(const RecorderScreen& recorder, const char* name, const QString& text) {
-    QEventLoop loop;
-    QTimer look;
-    QElapsedTimer clock;
-    clock.start();
-    QObject::connect(&look, &QTimer::timeout, &loop, [&] {
-        if (recorder.labelText(name) == text)
-            loop.exit(0);
-        else if (clock.hasExpired(20000))
-            loop.exit(1);
-    });
-    look.start(20);
-    return loop.exec() == 0;
-}
-
 std::vector<Figure> measureSession(RecorderScreen& recorder, LoopWatch<QApplication>& watch, QString& error) {
     watch.forget();
     struct Step {
@@ -158,7 +143,7 @@ std::vector<Figure> measureSession(RecorderScreen& recorder, LoopWatch<QApplicat
         });
         // The label may still show the text of the step before.
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
-        if (!waitForLabel(recorder, step.label, QLatin1String(step.text))) {
+        if (!waitUntil([&] { return recorder.labelText(step.label) == QLatin1String(step.text); })) {
             error = QStringLiteral("%1: %2 reads \"%3\" instead of \"%4\"")
                         .arg(QLatin1String(step.slot), QLatin1String(step.label), recorder.labelText(step.label),
                              QLatin1String(step.text));
@@ -206,14 +191,18 @@ int main(int argc, char** argv) {
     recorder.showFirstFrame();
     figures.push_back(measureModeChanges(recorder));
     services.startTrace();
-    for (const Figure& figure : measureSession(recorder, application, error))
-        figures.push_back(figure);
-    bool allWell = error.isEmpty();
+    bool allWell = true;
+    for (auto* measure : {&measureSession, &measureServerAnswers}) {
+        QString reason;
+        for (const Figure& figure : measure(recorder, application, reason))
+            figures.push_back(figure);
+        if (!reason.isEmpty())
+            fail(reason);
+        allWell = allWell && reason.isEmpty();
+    }
     for (const Figure& figure : figures) {
         printFigure(figure);
         allWell = allWell && figure.asWanted();
     }
-    if (!error.isEmpty())
-        fail(error);
     return allWell ? 0 : 1;
 }
