@@ -13,14 +13,17 @@ namespace {
 
 constexpr int kTitleHeight = 48;
 constexpr int kTitleInset = 20;
-// A part of a frame: what called for the rows takes its time too.
+// Parts of a frame: what called for the rows takes its time too. The usual list of some rows has more of it, so that it
+// is there at once.
 constexpr double kSliceMs = 4;
+constexpr double kFirstSliceMs = 7;
+constexpr int kFirstRows = 30;
 
 // The time for what is done at once. Only the work of this thread counts: what other programs take of the processor is
 // not the rows' doing.
 class Slice {
 public:
-    bool isOver() const { return now() - mBegan > kSliceMs; }
+    bool isOver(double limitMs) const { return now() - mBegan > limitMs; }
 
 private:
     static double now() {
@@ -141,7 +144,7 @@ void TableView::layOut() {
 
 void TableView::goOn() {
     const Slice slice;
-    while (mController && mReady < rowCount() && !slice.isOver())
+    while (mController && mReady < rowCount() && !slice.isOver(mReady < kFirstRows ? kFirstSliceMs : kSliceMs))
         makeRow(mReady++);
     const bool ready = mReady == rowCount() || !mController;
     if (ready)
@@ -160,7 +163,7 @@ void TableView::makeRow(int number) {
 
 void TableView::deleteSome(QList<TableCell*>& cells) {
     const Slice slice;
-    while (!cells.isEmpty() && !slice.isOver())
+    while (!cells.isEmpty() && !slice.isOver(kSliceMs))
         delete cells.takeLast();
 }
 

@@ -12,10 +12,10 @@
 // sections.
 //
 // What takes longer than a few milliseconds is done in later turns of the event loop, so that a long list never stops
-// the screen: tens of rows are there when setModel() returns, thousands follow from the top down. The table is as high
-// as all its rows from the start. A new width lays the rows out again in the same way, and deleteLater() takes a long
-// list away so: out of sight and nameless at once, its cells by and by. Deleting the table itself, or setting another
-// model or controller, deletes the cells of before at once, which takes some 7 ms for 1000 rows.
+// the screen: some tens of rows are there when setModel() returns, thousands follow from the top down. The table is as
+// high as all its rows from the start. A new width lays the rows out again in the same way, and deleteLater() takes a
+// long list away so: out of sight and nameless at once, its cells by and by. Deleting the table itself, or setting
+// another model or controller, deletes the cells of before at once, which takes some 7 ms for 1000 rows.
 
 #include <HelixDash/tables/TableModel.h>
 #include <HelixDash/views/ScrollableView.h>

@@ -83,11 +83,12 @@ private slots:
         mController = std::make_unique<Controller>();
         mTable = new TableView(mApp);
         mTable->setController(mController.get());
-        mTable->setModel(&mModel);
         mTable->resize(425, 425);
         mTable->move(100, 140);
+        mTable->setModel(&mModel);
         mScreen->show(true);
         QVERIFY(QTest::qWaitForWindowExposed(mScreen.get()));
+        QTRY_COMPARE(mTable->readyRows(), 10);
     }
 
     void cleanup() { mScreen.reset(); }
@@ -101,6 +102,7 @@ private slots:
         mTable->scrollToRow(0);
         QCOMPARE(mController->reused, 0);
         mTable->reload();
+        QTRY_COMPARE(mTable->readyRows(), 10);
         QCOMPARE(mController->reused, 10);
         QCOMPARE(cell(1), marked);
         QCOMPARE(cell(1)->mark->position(), 2);
@@ -121,6 +123,7 @@ private slots:
         QFETCH(int, rows);
         Model model(rows);
         mTable->setModel(&model);
+        QTRY_COMPARE(mTable->readyRows(), rows);
         for (int row : {rows - 1, 0, rows / 2}) {
             mTable->scrollToRow(row);
             QVERIFY2(mScreen->rect().contains(placeOf(cell(row))), qPrintable(QString::number(row)));
@@ -174,6 +177,7 @@ private slots:
     void laysRowsOutBelowTheirTitles() {
         Model titled(2, {"First", QString(), "Third"});
         mTable->setModel(&titled);
+        QTRY_COMPARE(mTable->readyRows(), 6);
         QList<int> tops;
         for (int row = 0; row < mTable->rowCount(); ++row)
             tops.append(cell(row)->top() - row * kRowHeight - kTitleHeight);
