@@ -144,7 +144,7 @@ void TableView::layOut() {
 
 void TableView::goOn() {
     const Slice slice;
-    while (mController && mReady < rowCount() && !slice.isOver(mReady < kFirstRows ? kFirstSliceMs : kSliceMs))
+    while (mController && mReady < rowCount() && !slice.isOver(mCells.size() < kFirstRows ? kFirstSliceMs : kSliceMs))
         makeRow(mReady++);
     const bool ready = mReady == rowCount() || !mController;
     if (ready)
