@@ -3,7 +3,7 @@
 #include "nvh/Export.h"
 #include "nvh/engine/Settings.h"
 #include "nvh/packaging/NvhPackageManager.h"
-#include "nvh/packaging/WaitingCalls.h"
+#include "nvh/process/WaitingCalls.h"
 
 #include <HelixDash/services/Audio.h>
 #include <HelixDash/services/SingleShotTimer.h>

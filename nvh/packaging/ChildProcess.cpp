@@ -1,9 +1,5 @@
 #include "nvh/packaging/ChildProcess.h"
 
-QString bracketed(const QStringList& items) {
-    return QLatin1Char('[') + items.join(QLatin1String(", ")) + QLatin1Char(']');
-}
-
 void endChildProcess(QProcess* process, int graceMs) {
     if (!process)
         return;

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "nvh/Export.h"
-#include "nvh/packaging/WaitingCalls.h"
+#include "nvh/process/WaitingCalls.h"
 
 #include <QObject>
 #include <QProcess>
