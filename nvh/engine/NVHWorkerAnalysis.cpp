@@ -1,13 +1,12 @@
-// The analysis program, the results file, and the judgement of a spectrum table.
+// The analysis program and the results file.
 
 #include "nvh/engine/NVHWorker.h"
+#include "nvh/engine/SpectrumTable.h"
 #include "nvh/packaging/ChildProcess.h"
 
 #include <HelixDash/services/Logger.h>
 
 #include <QFile>
-#include <QRegularExpression>
-#include <QTextStream>
 
 void NVHWorker::startProcessingResults() {
     if (!mAnalysis)
@@ -47,14 +46,5 @@ void NVHWorker::resultsError() {
 }
 
 bool NVHWorker::resultsCheck(const QByteArray& table, int lowFrequency, int highFrequency, double threshold) {
-    static const QRegularExpression blanks(QStringLiteral("\\s+"));
-    QTextStream lines(table);
-    while (!lines.atEnd()) {
-        const QStringList fields = lines.readLine().split(blanks);
-        const double frequency = fields.value(0).toDouble();
-        const double level = fields.value(2).toDouble();
-        if (frequency >= lowFrequency && frequency <= highFrequency && level > threshold)
-            return false;
-    }
-    return true;
+    return spectrumPasses(table, lowFrequency, highFrequency, threshold);
 }

@@ -1,6 +1,7 @@
-// The audio recorder, and the repair of a WAV header that it left unfinished.
+// The audio recorder.
 
 #include "nvh/engine/NVHWorker.h"
+#include "nvh/engine/WavHeader.h"
 #include "nvh/packaging/ChildProcess.h"
 
 #include <HelixDash/services/Logger.h>
@@ -8,9 +9,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QTimer>
-#include <QtEndian>
 
-#include <sys/stat.h>
 #include <utility>
 
 namespace {
@@ -112,44 +111,9 @@ void NVHWorker::failRecording(const QString& output) {
 }
 
 bool NVHWorker::writeBytesToFile(FILE* file, int offset, void* data, size_t size) {
-    if (std::fseek(file, offset, SEEK_SET) != 0) {
-        logWithErrorNum("File Seek Error!");
-        return false;
-    }
-    if (std::fwrite(data, size, 1, file) < 1) {
-        logWithErrorNum("File Write Error!");
-        return false;
-    }
-    return true;
+    return ::writeBytesToFile(file, offset, data, size, this);
 }
 
 bool NVHWorker::fixWavHeader(QString& path) {
-    FILE* file = std::fopen(path.toLocal8Bit().constData(), "rb+");
-    if (!file) {
-        logWithErrorNum("Error opening file!!");
-        return false;
-    }
-    struct stat status {};
-    if (::fstat(fileno(file), &status) != 0) {
-        logWithErrorNum("Fstat Error!");
-        std::fclose(file);
-        return false;
-    }
-    const auto size = qint32(status.st_size);
-    qint32 dataSize = qToLittleEndian(size - 44);
-    qint32 riffSize = qToLittleEndian(size - 8);
-    // The data size first: a header that is repaired by half still says that its data is unfinished.
-    if (!writeBytesToFile(file, 40, &dataSize, sizeof dataSize)) {
-        Logger(this, "ERROR") << "Error Writing Data Size!";
-        return false;
-    }
-    if (!writeBytesToFile(file, 4, &riffSize, sizeof riffSize)) {
-        Logger(this, "ERROR") << "Error Writing Riff Size!";
-        return false;
-    }
-    if (std::fclose(file) != 0) {
-        logWithErrorNum("File Close Error!");
-        return false;
-    }
-    return true;
+    return ::fixWavHeader(path, this);
 }
