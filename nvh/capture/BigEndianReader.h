@@ -16,8 +16,10 @@
 // is false. So the caller asks once, after the last number. Does not own the bytes.
 class BigEndianReader {
 public:
+    // The bytes stay where they are while it reads.
     explicit BigEndianReader(std::span<const std::byte> bytes) : mRest(bytes) {}
 
+    // The next number.
     template <std::unsigned_integral Number>
     Number read() {
         if (!take(sizeof(Number)))
@@ -27,8 +29,10 @@ public:
             number = Number((number << 8) | std::to_integer<Number>(byte));
         return number;
     }
+    // Passes over that many bytes.
     void skip(std::size_t bytes) { take(bytes); }
 
+    // False if something that was asked for was not wholly there.
     bool ok() const { return mOk; }
 
 private:

@@ -24,15 +24,18 @@ constexpr quint16 kGatewayPort = 20100;
 constexpr quint16 kAckPort = 20101;
 constexpr quint16 kDataPort = 20098;
 
+// What a request and its acknowledgement begin with.
 constexpr quint32 kRequestCommand = 11;
 constexpr quint32 kAckCommand = 523;
 
+// How many bytes a request has, and a data datagram before its frames.
 constexpr std::size_t kRequestSize = 8;
 constexpr std::size_t kHeaderSize = 12;
 // What is received at most; the rest of a longer datagram is dropped.
 constexpr std::size_t kAckCapacity = 100;
 constexpr std::size_t kDatagramCapacity = 1500;
 
+// What the gateway is to do, or does.
 enum ForwardingState : quint8 { StopForwarding = 0, StartForwarding = 1 };
 
 // What a request asks for, and what an acknowledgement confirms.
@@ -44,11 +47,13 @@ struct Forwarding {
     bool operator==(const Forwarding&) const = default;
 };
 
+// How a data datagram begins.
 struct DataHeader {
     quint32 time = 0;   // in the gateway's unit
     quint16 count = 0;  // of the frame records that follow, as the gateway says
 };
 
+// One forwarded CAN frame.
 struct FrameRecord {
     quint8 bus = 0;
     quint8 length = 0;  // valid data bytes
@@ -57,6 +62,7 @@ struct FrameRecord {
     quint64 data = 0;        // data byte 0 is the most significant
 };
 
+// The datagram that asks for it.
 NVH_EXPORT std::array<std::byte, kRequestSize> encodeRequest(const Forwarding& forwarding);
 
 // Nothing if the bytes are too short or another command.

@@ -65,6 +65,7 @@ public:
 
     // Closes the sockets; for the owner, after the run.
     void deinitSockets();
+    // Logs a failed system call, see logErrorNumber().
     void logWithErrorNum(QString message);
 
     // What the run has come to: lines in the file, lines that could not be written, the last motor speed. Any thread.
@@ -73,10 +74,14 @@ public:
     unsigned short lastMotorRPM() const { return mLastMotorRPM; }
 
 signals:
+    // Kept for other programs; never emitted.
     void errorCapture();
+    // The run has ended, however it went.
     void finished();
+    // The gateway has confirmed the first request; or it has not, or the log file cannot be created.
     void acknowledged();
     void ackFailed();
+    // Kept for other programs; never emitted.
     void stoppingThread();
 
 public slots:

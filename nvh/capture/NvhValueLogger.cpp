@@ -1,6 +1,7 @@
 #include "nvh/capture/NvhValueLogger.h"
 
 #include "nvh/capture/Truncate.h"
+#include "nvh/files/OwnFile.h"
 
 #include <HelixDash/services/Logger.h>
 
@@ -28,7 +29,7 @@ void NvhValueLogger::startLogging() {
 
 void NvhValueLogger::openValueStream() {
     closeFile();
-    mFile = std::fopen(mFileName.toLocal8Bit().constData(), "w");
+    mFile = openOwnStream(mFileName);
     if (!mFile) {
         Logger(this, "ERROR") << "OpenValueStream : Cannot Create File: " << mFileName;
         mStopped = true;

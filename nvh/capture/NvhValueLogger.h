@@ -30,7 +30,8 @@ public:
     // Closes the file if it is still open.
     ~NvhValueLogger() override;
 
-    // Creates the file, replacing one that is there. On failure logs "OpenValueStream : Cannot Create File: " with the
+    // Creates the file or empties it, readable by this user alone; anything but a plain file of this user counts as one
+    // that cannot be created. On failure logs "OpenValueStream : Cannot Create File: " with the
     // name, and no line will be written.
     void openValueStream();
     // Closes the file without what is not written yet, so that a file which blocks its writer blocks nobody else. For
@@ -40,11 +41,15 @@ public:
     int getIntValue();
 
 signals:
+    // The file is closed; the logger can go.
     void finished();
 
 public slots:
+    // Creates the file and writes down every change from now on. Does nothing after stopLogging().
     void startLogging();
+    // Closes the file, emits finished() and has the thread quit.
     void stopLogging();
+    // Writes one line for the value as it is now.
     void writeToFile();
 
 private:

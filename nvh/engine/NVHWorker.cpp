@@ -1,77 +1,62 @@
-// The session: start, stop, and what a run leaves behind.
+// The order of a run: start, stop, and what waits while the run before still ends.
 
 #include "nvh/engine/NVHWorker.h"
 
 #include "nvh/capture/ErrorLog.h"
 #include "nvh/capture/LoggerRunning.h"
-#include "nvh/capture/NvhValueLogger.h"
-#include "nvh/packaging/ChildProcess.h"
+#include "nvh/process/ChildProcess.h"
+#include "nvh/vehicle/VehicleSignals.h"
 
 #include <HelixDash/services/Logger.h>
-#include <HelixDash/values/DataValueManager.h>
 
+#include <algorithm>
 #include <utility>
 
-namespace {
-
-RealDataValue* vehicleSpeed() {
-    return DataValueManager::instance().find<RealDataValue>("VAPI_signedVehicleSpeed");
+NVHWorker::NVHWorker(AppMode mode) : mAudio(Audio::proxy()), mAppMode(mode) {
+    connect(&mRecorder, &Recorder::ended, this, &NVHWorker::arecord_done);
+    connect(&mRecorder, &Recorder::failed, this, &NVHWorker::arecord_error);
 }
-
-}  // namespace
-
-NVHWorker::NVHWorker(AppMode mode) : mAudio(Audio::proxy()), mAppMode(mode) {}
 
 NVHWorker::~NVHWorker() {
     // From here on nobody hears of this run.
     blockSignals(true);
-    dvDisconnect(vehicleSpeed(), this);
-    endChildProcess(mRecorder, kThreadWaitMs);
-    endChildProcess(mMicCheck);
-    endChildProcess(mAnalysis);
+    dvDisconnect(VehicleSignals::kSpeed.find(), this);
+    delete mMicCheck;
+    delete mAnalysis;
     loggerRunning = false;
-    for (const CaptureThread& capture : captureThreads())
-        capture.thread->quit();
-    const bool allEnded = joinCaptureThreads();
-    // Terminating is the last resort and may itself take its time; a thread object must not go while its thread runs.
-    for (const CaptureThread& capture : captureThreads())
-        capture.thread->wait();
-    for (const auto& logger : mLoggers) {
-        if (logger && !allEnded)
-            logger->discardFile();
-        delete logger;
-    }
 }
 
 void NVHWorker::start() {
     if (cLogVerbose.value())
         Logger(this, "INFO") << "start";
     emit updateFeedbackLabel(QString());
-    if (mRunning) {
+    if (mRun != Run::Idle) {
         Logger(this, "ERROR") << "Already running";
         return;
     }
-    mRunning = true;
-    mRunWanted = true;
+    mRun = Run::Waiting;
+    mSetAsideNote.clear();
     // A report on the run before must not turn up in this one; if a package waits for it, so does this run.
-    if (!mResultsWanted)
+    if (!isWaiting(Request::Kind::Results))
         releaseMicCheck();
-    beginRun();
+    // One that an analysis has left at work.
+    mRecorder.stop();
+    mRequests.push_back({Request::Kind::Run, {mTestType, mClunkButtonState}});
+    resume();
 }
 
-void NVHWorker::beginRun() {
-    // This run's logs would overwrite the files of the last one before they are packed.
-    if (mResultsWanted)
+void NVHWorker::beginRun(const RunFiles::TestNote& test) {
+    mRun = Run::Recording;
+    mOpenRun = OpenRun{test, {}};
+    if (const QString refusal = claimFiles(); !refusal.isEmpty()) {
+        refuseCapture(refusal);
         return;
-    mPackageManager.whenNotPackaging(this, [this] {
-        if (!std::exchange(mRunWanted, false))
-            return;
-        initValueLoggerThreads();
-        createDataValuesFile();
-        actuallyStartRecording();
-        if (isBrakeSquealTest())
-            dvConnect(vehicleSpeed(), this, &NVHWorker::checkVehicleSpeed);
-    });
+    }
+    initValueLoggerThreads();
+    createDataValuesFile();
+    actuallyStartRecording();
+    if (isBrakeSquealTest())
+        dvConnect(VehicleSignals::kSpeed.find(), this, &NVHWorker::checkVehicleSpeed);
 }
 
 void NVHWorker::actuallyStartRecording() {
@@ -81,7 +66,7 @@ void NVHWorker::actuallyStartRecording() {
 }
 
 void NVHWorker::checkVehicleSpeed() {
-    RealDataValue* speed = vehicleSpeed();
+    RealDataValue* speed = VehicleSignals::kSpeed.find();
     if (!speed)
         return;
     {
@@ -97,21 +82,21 @@ void NVHWorker::checkVehicleSpeed() {
 void NVHWorker::stop() {
     if (cLogVerbose.value())
         Logger(this, "INFO") << "stop";
-    if (!mRunning) {
+    if (mRun == Run::Idle) {
         Logger(this, "ERROR") << "Not currently running";
         return;
     }
     // A stop that was scheduled for this run must not end the next one.
     mStopTimer.stop();
-    dvDisconnect(vehicleSpeed(), this);
+    dvDisconnect(VehicleSignals::kSpeed.find(), this);
 
     emit recordingStopped();
     stopAudioRecording();
-    mRunning = false;
-    mRunWanted = false;
+    cancel(Request::Kind::Run);
+    mRun = Run::Idle;
     loggerRunning = false;
     emit endRecording();
-    if (joinCaptureThreads()) {
+    if (mThreads.join()) {
         if (cLogVerbose.value())
             Logger(this, "INFO") << "NVHWorker::stop All threads exited properly";
     } else {
@@ -121,53 +106,103 @@ void NVHWorker::stop() {
 }
 
 bool NVHWorker::isRunning() {
-    return mRunning;
+    return mRun != Run::Idle;
+}
+
+bool NVHWorker::isWaiting(Request::Kind kind) const {
+    return std::any_of(mRequests.begin(), mRequests.end(), [kind](const Request& each) { return each.kind == kind; });
+}
+
+void NVHWorker::cancel(Request::Kind kind) {
+    mRequests.remove_if([kind](const Request& each) { return each.kind == kind; });
+}
+
+bool NVHWorker::isDue(const Request& request) const {
+    switch (request.kind) {
+        case Request::Kind::Results:
+            // What is still being written belongs into the package.
+            return !mRecorder.isEnding() && !mMicCheck;
+        case Request::Kind::Run:
+            // Its logs would overwrite the files of the run before while they are packed.
+            return !mRecorder.isActive() && !mPackageManager.isPackaging();
+        case Request::Kind::Clip:
+            return !mRecorder.isActive();
+    }
+    return false;
+}
+
+void NVHWorker::carryOut(Request request) {
+    switch (request.kind) {
+        case Request::Kind::Results:
+            packResults(std::move(request));
+            break;
+        case Request::Kind::Run:
+            beginRun(request.test);
+            break;
+        case Request::Kind::Clip:
+            beginCapture();
+            break;
+    }
+}
+
+void NVHWorker::resume() {
+    while (!mRequests.empty() && isDue(mRequests.front())) {
+        Request next = std::move(mRequests.front());
+        mRequests.pop_front();
+        carryOut(std::move(next));
+    }
+    if (!mRequests.empty() && mPackageManager.isPackaging())
+        mPackageManager.whenNotPackaging(this, [this] { resume(); });
+    if (isSettled())
+        mWhenSettled.makeAll();
 }
 
 bool NVHWorker::isSettled() const {
-    return !isActive(mRecorder) && !isActive(mMicCheck) && !isActive(mAnalysis);
+    return !mRecorder.isActive() && !mMicCheck && !(mAnalysis && mAnalysis->isActive());
 }
 
 void NVHWorker::whenSettled(QObject* context, std::function<void()> callback) {
-    if (isSettled()) {
+    if (isSettled())
         callback();
-        return;
-    }
-    mWhenSettled.add(context, std::move(callback));
+    else
+        mWhenSettled.add(context, std::move(callback));
 }
 
-void NVHWorker::resumeWhatWaited() {
-    if (mResultsWanted && !recorderIsEnding() && !isActive(mMicCheck)) {
-        mResultsWanted = false;
-        resultsDone();
-    }
-    if (mRunWanted)
-        beginRun();
-    if (mRecorderWanted && !recorderIsEnding()) {
-        mRecorderWanted = false;
-        startAudioRecording();
-    }
-    if (!isSettled())
-        return;
-    mWhenSettled.makeAll();
-}
-
-QProcess* NVHWorker::makeProcess(void (NVHWorker::*done)(), void (NVHWorker::*error)()) {
-    auto* process = new QProcess(this);
-    // The programs say what is wrong on standard error; it belongs to the output that is read.
-    process->setProcessChannelMode(QProcess::MergedChannels);
+ChildProcess* NVHWorker::makeProcess(void (NVHWorker::*done)(), void (NVHWorker::*error)()) {
+    auto* process = new ChildProcess(this);
     connect(process, qOverload<int, QProcess::ExitStatus>(&QProcess::finished), this, done);
     connect(process, &QProcess::errorOccurred, this, error);
     return process;
 }
 
-void NVHWorker::startProcess(QProcess* process, const QString& program, const QStringList& arguments) {
+void NVHWorker::startProcess(ChildProcess* process, const QString& program, const QStringList& arguments) {
     Logger(this, "INFO") << "Starting process:" << program << bracketed(arguments);
     process->start(program, arguments, QIODevice::ReadWrite);
 }
 
 void NVHWorker::logWithErrorNum(QString message) {
     logErrorNumber(this, message);
+}
+
+void NVHWorker::initValueLoggerThreads() {
+    Logger(this, "INFO") << "initValueLoggerThreads";
+    mThreads.makeLoggers();
+}
+
+void NVHWorker::startValueLoggerThreads() {
+    mThreads.startLoggers();
+}
+
+void NVHWorker::initRpmCaptureThread() {}
+
+void NVHWorker::startRpmCaptureThread() {
+    mThreads.startCan();
+}
+
+void NVHWorker::threadStatus() {
+    if (cLogVerbose.value())
+        Logger(this, "INFO") << "Waiting for mNvhCanEthThread...";
+    mThreads.waitForCan();
 }
 
 int NVHWorker::getUploadSuccessNumber() {

@@ -1,26 +1,27 @@
 #pragma once
 
 #include "nvh/Export.h"
+#include "nvh/engine/CaptureThreads.h"
+#include "nvh/engine/Recorder.h"
+#include "nvh/engine/RunFiles.h"
+#include "nvh/engine/RunOutcome.h"
 #include "nvh/engine/Settings.h"
+#include "nvh/files/FileLock.h"
 #include "nvh/packaging/NvhPackageManager.h"
 #include "nvh/process/WaitingCalls.h"
 
 #include <HelixDash/services/Audio.h>
 #include <HelixDash/services/SingleShotTimer.h>
 
-#include <QDateTime>
 #include <QObject>
-#include <QPointer>
-#include <QProcess>
 #include <QStringList>
-#include <QThread>
 
-#include <array>
 #include <cstdio>
 #include <functional>
+#include <list>
+#include <optional>
 
-class NvhValueLogger;
-class RealDataValue;
+class ChildProcess;
 
 // What a finished capture is filed as.
 enum RECORDING_TYPE {
@@ -38,141 +39,233 @@ enum RECORDING_TYPE {
 //     worker.setSaveOnlyState(true);
 //     worker.resultsDone();               // packs the run's files, finished(true)
 //
-// Lives on the UI thread, where all slots and signals run; an event loop must turn there. The only call that blocks is
-// stop(), for at most 500 ms for each capture thread. Failures are log lines, signals and feedback texts.
+// Lives on the main thread, where all slots and signals run; an event loop must turn there. Nothing blocks but stop(),
+// threadStatus() and the destructor. Failures are log lines, signals and feedback texts, and values beside them.
 //
-// Destroying the engine in the middle of anything ends its children and threads within the same bounds; nothing is
-// packed and nothing emitted.
+// A run or a clip keeps the files that it writes to itself, among all recorders on the machine, until they are packed
+// or discarded or the engine goes. What is asked for while the recorder of the run before still ends waits for it in
+// turn.
 class NVH_EXPORT NVHWorker : public QObject {
     Q_OBJECT
 public:
+    // Starts and opens nothing. The mode changes nothing here.
     explicit NVHWorker(AppMode mode);
+    // Ends children and threads in the middle of anything; nothing is packed and nothing emitted. Blocks for at most
+    // 500 ms for the recorder and 500 ms for each of the four threads, longer only for one that cannot be terminated.
     ~NVHWorker() override;
 
+    // Packs and uploads for this engine; lives as long.
     NvhPackageManager& packageManager() { return mPackageManager; }
+    // As given to the constructor.
     AppMode appMode() const { return mAppMode; }
 
     // Calls back when no recorder, microphone check or analysis is at work: at once, or as soon as the last of them has
     // ended and its outcome has been dealt with. Not for a context that is destroyed before.
     void whenSettled(QObject* context, std::function<void()> callback);
 
+    // How the last recorder ended and what it left, and how the last analysis ended.
+    const CaptureOutcome& captureOutcome() const { return mCaptureOutcome; }
+    const AnalysisOutcome& analysisOutcome() const { return mAnalysisOutcome; }
+    // The package of the last resultsDone(), also while that waits for the recorder; 0 before the first one. The
+    // package manager's signals are about it while its subject() is this number.
+    int packageInHand() const { return mPackageInHand; }
+    // Something that the driver must not miss about the package of the next resultsDone(): logged at "ERROR", and shown
+    // below every text about that package. Lines without a last line end.
+    void addNote(const QString& note) { mNotes.append(note); }
+    // Takes hold of the files of runs and clips, as every start does: for whoever is going to write one of them. Empty
+    // if they could be had, else who has one of them.
+    QString keepFiles();
+    // What was found and set aside at the last start, as the driver was told; empty if nothing was.
+    const QString& setAsideNote() const { return mSetAsideNote; }
+
     // True for the test type "Brake Squeal", exactly so.
     Q_INVOKABLE bool isBrakeSquealTest() const;
-    // The analysis program's words for the selections: "2048" to "16384", and "sum", "left" or "right".
+    // The analysis program's word for the frequency resolution: "2048" to "16384", "8192" for one that is unknown.
     Q_INVOKABLE QString parseFftSize() const;
+    // Its word for the microphone channel: "sum", "left" or "right", "left" for one that is unknown.
     Q_INVOKABLE QString parseMicChannel() const;
+    // The vehicle identification number.
     Q_INVOKABLE QString readVin() const;
 
-    // Repairs the RIFF size (offset 4) and the data size (offset 40) of a WAV file with the canonical 44-byte header
-    // from the file's length. False, with a log line, if the file cannot be opened, measured, written or closed.
+    // For clients; see fixWavHeader() in WavHeader.h. Blocks for the few bytes that it writes.
     bool fixWavHeader(QString& path);
     // Writes a block at an absolute offset in bytes. False, with a log line, on failure.
     bool writeBytesToFile(FILE* file, int offset, void* data, size_t size);
-
-    // Judges a spectrum table, lines of frequency (Hz), order, level and RPM between blanks: false if any level in the
-    // band (both ends included) exceeds the threshold. Fields that are missing or unreadable count as 0.
+    // For clients; see spectrumPasses() in SpectrumTable.h. Frequencies in Hz.
     bool resultsCheck(const QByteArray& table, int lowFrequency, int highFrequency, double threshold);
 
-    // Writes the file of the test conditions: temperatures, tyre pressures, position.
+    // Writes the file of the test conditions: temperatures, tyre pressures, position. Called by start(). A file that
+    // cannot be made or written is a log line.
     void createDataValuesFile();
-    // Names the package and has the run's existing files packed.
+    // Names the package, with the verdict in the name, and has the run's existing files packed. Called by
+    // resultsDone().
     void renameFiles(bool pass);
 
-    // The value loggers' threads, and the one that is reserved for a CAN client.
+    // Makes the loggers of the vehicle signals for one run, and starts their threads. Called at the start of a run.
     void initValueLoggerThreads();
     void startValueLoggerThreads();
+    // Reserved; does nothing.
     void initRpmCaptureThread();
+    // For who attaches a CAN client to the reserved thread: sets the client's run condition and starts the thread.
     void startRpmCaptureThread();
 
+    // Reports a failed system call: the message with the current error number and its text, at "ERROR".
     void logWithErrorNum(QString message);
 
 signals:
+    // The results are written and the package is being made; the recorder itself judges nothing, so pass is always
+    // true.
     void finished(bool pass);
+    // Never emitted; kept for a CAN client and for programs that connect by name.
     void stopCapture();
+    // Never emitted; kept for programs that connect by name.
     void quitLogger();
+    // Never emitted; kept for programs that connect by name.
     void waitingForCanData();
+    // The recorder has been asked to start, or would have been if it could be; the recording's clock begins.
     void startUpdating();
+    // Never emitted here; whoever attaches a CAN client relays its ackFailed() to it.
     void ackFailed_Relay();
+    // In stop(), after the recorder was told to end; the loggers end with it.
     void endRecording();
+    // First of all in stop().
     void recordingStopped();
+    // A text for the driver: empty at every start, then what the recorder and the microphone check have to say.
     void updateFeedbackLabel(QString response);
 
 public slots:
+    // Starts the recorder alone, for a clip; a run has it started. One that still ends is waited for.
     void startAudioRecording();
+    // Asks the recorder to end, once; 3 s later it is killed. Cancels a clip that still waits. Does not wait.
     void stopAudioRecording();
+    // Begins a run: startUpdating() follows, at once or when the run before is packed and its recorder gone. Refused
+    // with a log line while one is running.
     void start();
+    // Ends a run; refused with a log line while none is running. The recorder exits on its own time. Blocks for at most
+    // 500 ms for each of the four capture threads; a thread that takes longer is terminated, and the run's files are
+    // deleted, since what a terminated logger wrote is not trusted.
     void stop();
+    // Packages registered since the last packaging.
     int getUploadSuccessNumber();
+    // Deletes the run's files, and the capture of a recorder that still ends when it has.
     void deleteRecordedFiles();
+    // For clients: runs the analysis program on the recording; resultsDone() or resultsError() follows. It is killed
+    // when its time is over.
     void startProcessingResults();
+    // Moves the capture to the place of that kind of recording; see Recorder::fileAs() for one that is still being
+    // written. Across file systems it is copied, which blocks that long.
     void processRecording(RECORDING_TYPE type);
+    // The test type's display name, for the runs that start from now on.
     void setTestType(QString testType);
+    // Position 0 to 7 of the duration's switch.
     void setSliderDurationPosition(int pos);
+    // True files the package as one of a run with torque reversal.
     void setClunkButtonState(bool state);
+    // Seconds for the duration's position; 0 for a manual recording, -1 for a position that is none.
     int getDuration();
+    // True keeps packages, false uploads them; holds for what is asked for from now on.
     void setSaveOnlyState(bool state);
     bool getSaveOnlyState();
+    // Saved packages that the last search found.
     int getSavedFilesCount();
+    // True from start() to the end of the recording, or to startProcessingResults().
     bool isRunning();
+    // 1/min, truncated toward zero; 0 where the vehicle does not say.
     int getMotorRPM();
+    // The vehicle's trim without '+'; "Invalid" where the vehicle does not say.
     QString getTrim();
+    // The file tag of the test type, "_CLUNK" behind it with torque reversal. A type that is not known gets a row with
+    // an empty tag.
     QString getTag();
+    // Starts loggers and recorder; called by start().
     void actuallyStartRecording();
+    // Waits for the reserved thread without a limit, and logs whether it runs.
     void threadStatus();
+    // 0 sum, 1 left, 2 right.
     void setMicChannel(int channel);
     int getMicChannel();
+    // 0 to 3 for 2048 to 16384 lines.
     void setFreqResolution(int selection);
     int getFreqResolution();
+    // Packs the run: for the screen's Save and Upload, and when the analysis program has ended. Waits for a recorder or
+    // a microphone check that still ends; finished() follows. Wish, notes and test type are those of the call.
     void resultsDone();
+    // The analysis program could not be started or crashed.
     void resultsError();
+    // The microphone check has ended: its report goes to the driver, the log and the package.
     void micCheckDone();
+    // It could not be started or crashed.
     void micCheckError();
+    // The recorder could not be started or crashed: ends the run and tells the driver.
     void arecord_error();
+    // The recorder has ended: what it left is filed, and what waited for it goes on.
     void arecord_done();
+    // The vehicle's speed has changed during a brake squeal test: at standstill the run is stopped 2 s later.
     void checkVehicleSpeed();
 
 private:
-    static constexpr int kThreadWaitMs = 500;
+    // Idle --start--> Waiting --> Recording --stop, failure, analysis--> Idle
+    enum class Run { Idle, Waiting, Recording };
 
-    struct CaptureThread {
-        QThread* thread;
-        const char* name;  // as it stands in the log
+    // What was asked for and waits for its turn.
+    struct Request {
+        enum class Kind { Results, Run, Clip };
+        Kind kind;
+        RunFiles::TestNote test = {};  // of a run
+        PackageJob package = {};       // of results
+        QString tag = {};
     };
-    std::array<CaptureThread, 4> captureThreads();
-    QPointer<NvhValueLogger> initValueLogger(const char* valueName, QString fileName, QThread& thread);
-    void logRunning(const char* label, const QThread& thread);
-    // Waits for the threads, terminates what does not end. True if all ended by themselves.
-    bool joinCaptureThreads();
+    // A run whose files are not packed or discarded yet.
+    struct OpenRun {
+        RunFiles::TestNote test;
+        CaptureOutcome capture;
+    };
 
-    QProcess* makeProcess(void (NVHWorker::*done)(), void (NVHWorker::*error)());
-    void startProcess(QProcess* process, const QString& program, const QStringList& arguments);
-    bool recorderIsEnding() const;
+    bool isWaiting(Request::Kind kind) const;
+    void cancel(Request::Kind kind);
+    bool isDue(const Request& request) const;
+    void carryOut(Request request);
+    // Carries out what waits as far as its time has come; called whenever something has ended.
+    void resume();
     bool isSettled() const;
-    void failRecording(const QString& output);
-    // Puts what the recorder has left in place. True if it is a test recording now.
-    bool fileTestRecording(bool endedByItself);
-    void beginRun();
+
+    void beginRun(const RunFiles::TestNote& test);
+    void beginCapture();
+    // Takes hold of the files of a run or clip, and sets aside what lies at the capture's place. The reason if they
+    // cannot be had.
+    QString claimFiles();
+    void refuseCapture(const QString& reason);
+    void releaseFiles();
+    void tellOfSetAside(const QString& file);
+    void concludeCapture();
+    void failRecording(const QString& words);
+    void reportRecorder(const QString& words);
+    QString fileCapture(RECORDING_TYPE type, const QString& target);
+
+    ChildProcess* makeProcess(void (NVHWorker::*done)(), void (NVHWorker::*error)());
+    void startProcess(ChildProcess* process, const QString& program, const QStringList& arguments);
     void startMicCheck();
     void releaseMicCheck();
-    // Carries out what was asked for while a child of the run before was still ending.
-    void resumeWhatWaited();
-    void removeRecordedFiles();
-    // Moves the capture of a recorder that is gone into place.
-    void fileCapture(const QString& target);
 
-    // Declared in the order in which they are made; the threads go last.
-    QThread mNvhCanEthThread;
-    QThread mVehicleSpeedLoggerThread;
-    QThread mMotorTorqueLoggerThread;
-    QThread mMotorRPMLoggerThread;
+    void concludeAnalysis();
+    static QString tagOf(const QString& testType, bool clunk);
+    Request resultsRequest();
+    void packResults(Request request);
+    QStringList packFiles(Request request, bool pass, const QString& heldElsewhere);
+    QString whyNoRecording() const;
+    void closeRun();
+    void removeRecordedFiles();
+
+    CaptureThreads mThreads{*this};
     NvhPackageManager mPackageManager;
-    bool mRunning = false;
+    Run mRun = Run::Idle;
     bool mSecondFlag = false;
     Audio* mAudio;
-    QProcess* mRecorder = nullptr;  // these three: children of this object
-    QProcess* mAnalysis = nullptr;
-    QProcess* mMicCheck = nullptr;
+    Recorder mRecorder{this};
+    ChildProcess* mAnalysis = nullptr;  // these two: children of this object
+    ChildProcess* mMicCheck = nullptr;
     QString mTestType;
+    bool mTestTypeSpent = true;  // the run that it was chosen for is packed or discarded
     int mSliderDurationPosition = 0;
     int mMicChannel = 0;
     int mFreqResolution = 0;
@@ -181,16 +274,13 @@ private:
     AppMode mAppMode;
     SingleShotTimer mStopTimer;
 
-    SingleShotTimer mAnalysisTimer;
-    SingleShotTimer mMicCheckTimer;
-    std::array<QPointer<NvhValueLogger>, 3> mLoggers;  // on their threads; delete themselves when they have finished
-    bool mRecorderTerminated = false;                  // told to stop, not gone yet
-    bool mRecorderServesRun = false;                   // not a side clip
-    bool mRunWanted = false;                           // to be begun when the last one's results are packed
-    bool mRecorderWanted = false;                      // to be started when the last one is gone
-    bool mResultsWanted = false;                       // to be packed when recorder and microphone check are gone
-    QString mLateTarget;                               // where the capture goes when its recorder is gone
-    bool mCaptureDiscarded = false;                    // the capture of the recorder that is ending is not wanted
-    QDateTime mCaptureBefore;  // when the capture file was last written before the recorder was started
+    FileLock mFiles;
+    std::list<Request> mRequests;
+    std::optional<OpenRun> mOpenRun;
+    CaptureOutcome mCaptureOutcome;
+    AnalysisOutcome mAnalysisOutcome;
+    int mPackageInHand = 0;
+    QStringList mNotes;
+    QString mSetAsideNote;
     WaitingCalls mWhenSettled;
 };

@@ -1,113 +1,189 @@
-// The audio recorder.
+// The audio recorder: begun, ended, and its capture filed.
 
 #include "nvh/engine/NVHWorker.h"
 #include "nvh/engine/WavHeader.h"
-#include "nvh/packaging/ChildProcess.h"
+#include "nvh/files/OwnFile.h"
+#include "nvh/process/ChildProcess.h"
 
 #include <HelixDash/services/Logger.h>
 
 #include <QFile>
-#include <QFileInfo>
 #include <QTimer>
 
-#include <utility>
-
-namespace {
-
-// Invalid if there is no capture file.
-QDateTime captureWrittenAt() {
-    return QFileInfo(cCapturingFileName.value()).lastModified();
-}
-
-}  // namespace
+#include <cerrno>
+#include <cstring>
 
 void NVHWorker::startAudioRecording() {
     Logger(this, "INFO") << "startAudioRecording";
-    if (recorderIsEnding()) {
-        mRecorderWanted = true;
+    if (mRecorder.isActive())
+        mRequests.push_back({Request::Kind::Clip});
+    else
+        beginCapture();
+}
+
+void NVHWorker::beginCapture() {
+    if (const QString refusal = claimFiles(); !refusal.isEmpty()) {
+        refuseCapture(refusal);
         return;
     }
-    mCaptureDiscarded = false;
-    if (!mRecorder)
-        mRecorder = makeProcess(&NVHWorker::arecord_done, &NVHWorker::arecord_error);
-    mRecorderTerminated = false;
-    mRecorderServesRun = mRunning;
-    mCaptureBefore = captureWrittenAt();
-    startProcess(mRecorder, QStringLiteral("/usr/bin/arecord"),
-                 {"-Dapp_in_diagnostic", "-c8", "-r48000", "-fS16_LE", "-N", cCapturingFileName.value()});
+    const QString capture = cCapturingFileName.value();
+    Logger(this, "INFO") << "Starting process:" << Recorder::program() << bracketed(Recorder::arguments(capture));
+    mRecorder.start(mRun == Run::Recording ? Recorder::Purpose::Run : Recorder::Purpose::Clip, capture);
     emit startUpdating();
 }
 
-bool NVHWorker::recorderIsEnding() const {
-    return mRecorderTerminated && isActive(mRecorder);
+QString NVHWorker::claimFiles() {
+    QString reason = keepFiles();
+    if (!reason.isEmpty())
+        return reason;
+    for (const QString& file : {cCapturingFileName.value(), cRecordingFilename.value()}) {
+        reason = whyNotOwn(file);
+        if (!reason.isEmpty())
+            return reason;
+    }
+    if (const auto setAside = RunFiles::setAsideUnfiledCapture(this)) {
+        if (!setAside->error.isEmpty())
+            return setAside->error;
+        tellOfSetAside(setAside->file);
+    }
+    return QString();
+}
+
+void NVHWorker::tellOfSetAside(const QString& file) {
+    Logger(this, "ERROR") << "A recording that was never filed is kept in" << file;
+    mSetAsideNote = QStringLiteral("A recording that was never filed is kept in\n%1").arg(file);
+    emit updateFeedbackLabel(mSetAsideNote);
+}
+
+// As a recorder that is not there: the recording begins and fails.
+void NVHWorker::refuseCapture(const QString& reason) {
+    mCaptureOutcome = {CaptureOutcome::How::Refused, QString(), reason, reason};
+    if (mRun == Run::Recording)
+        mOpenRun->capture = mCaptureOutcome;
+    emit startUpdating();
+    QTimer::singleShot(0, this, [this, reason] {
+        failRecording(reason);
+        resume();
+    });
 }
 
 void NVHWorker::stopAudioRecording() {
-    mRecorderWanted = false;
-    // Once only: a second request can end the recorder before it has completed its file.
-    if (!isActive(mRecorder) || mRecorderTerminated)
-        return;
-    mRecorderTerminated = true;
-    mRecorder->terminate();
+    cancel(Request::Kind::Clip);
+    mRecorder.stop();
 }
 
 void NVHWorker::arecord_done() {
-    if (!mRecorder)
+    if (!mRecorder.hasEnded())
         return;
-    const QString output = QString::fromLocal8Bit(mRecorder->readAll());
-    Logger(this, "INFO") << "arecord:" << output;
-    const bool endedByItself = !mRecorderTerminated;
-    const bool endedRun = endedByItself && mRunning;
-    // The report must not turn up in a run that has begun meanwhile.
-    const bool reportWanted = !mCaptureDiscarded && (!mRunning || endedRun || mResultsWanted);
-    mRecorder = nullptr;
-    mRecorderTerminated = false;
-    const bool filed = fileTestRecording(endedByItself);
-    // Without a device or with a full disk the recorder leaves by itself; nobody must go on driving for nothing.
-    if (endedRun)
-        failRecording(output);
-    if (mTestType == QLatin1String("Mic Test") && filed && reportWanted)
-        startMicCheck();
-    mCaptureDiscarded = false;
-    resumeWhatWaited();
+    Logger(this, "INFO") << "arecord:" << mRecorder.words();
+    concludeCapture();
 }
 
-bool NVHWorker::fileTestRecording(bool endedByItself) {
-    const QString capture = cCapturingFileName.value();
-    const QDateTime writtenAt = captureWrittenAt();
-    if (mCaptureDiscarded) {
-        QFile::remove(capture);
-        return false;
-    }
-    if (!mLateTarget.isEmpty()) {
-        fileCapture(std::exchange(mLateTarget, QString()));
-        return false;
-    }
-    // A recorder that leaves at once may leave another one's file behind.
-    if (endedByItself && writtenAt.isValid() && writtenAt == mCaptureBefore)
-        return false;
-    // A clip whose recorder left early is filed when its time is over; it must not cost the test recording.
-    if (endedByItself && !mRecorderServesRun && QFile::exists(cRecordingFilename.value())) {
-        Logger(this, "ERROR") << "The recorder left before its time, keeping" << cRecordingFilename.value();
-        return false;
-    }
-    processRecording(RecordingTest);
-    return writtenAt.isValid();
+void NVHWorker::concludeCapture() {
+    using How = CaptureOutcome::How;
+    if (!mRecorder.hasEnded())
+        return;
+    const bool servesRun = mRecorder.purpose() == Recorder::Purpose::Run && mOpenRun;
+    const Recorder::Conclusion conclusion = mRecorder.conclude();
+    mCaptureOutcome = conclusion.outcome;
+    const How how = mCaptureOutcome.how;
+    if (conclusion.isTestRecording)
+        processRecording(RecordingTest);
+    else if (!conclusion.failure.isEmpty())
+        Logger(this, "ERROR") << conclusion.failure;
+    if (servesRun)
+        mOpenRun->capture = mCaptureOutcome;
+
+    // Without a device or with a full disk the recorder leaves by itself; nobody must go on driving for nothing.
+    if (how == How::LeftEarly && mRun == Run::Recording)
+        failRecording(mCaptureOutcome.words);
+    else if (how == How::LeftEarly)
+        reportRecorder(mCaptureOutcome.words);
+    else if (how == How::Killed)
+        reportRecorder(QStringLiteral("The recorder did not end and was killed.\n%1")
+                           .arg(mCaptureOutcome.file.isEmpty() ? mCaptureOutcome.noFile
+                                                               : QStringLiteral("What it recorded is kept.")));
+
+    // The report must not turn up in a run that has begun meanwhile.
+    const bool reportWanted = mRun == Run::Idle || isWaiting(Request::Kind::Results);
+    const QString& testType = servesRun ? mOpenRun->test.testType : mTestType;
+    const bool filed = conclusion.isTestRecording && mCaptureOutcome.noFile.isEmpty();
+    if (testType == QLatin1String("Mic Test") && filed && reportWanted)
+        startMicCheck();
+    if (mCaptureOutcome.file.isEmpty() && !mOpenRun)
+        releaseFiles();
+    resume();
 }
 
 void NVHWorker::arecord_error() {
-    failRecording(mRecorder ? QString::fromLocal8Bit(mRecorder->readAll()) : QString());
-    // A recorder that could not start has no end to report either. Its process may not be started again from here.
-    if (mRecorder && mRecorder->error() == QProcess::FailedToStart)
-        QTimer::singleShot(0, this, &NVHWorker::resumeWhatWaited);
+    // One that was killed because it was deaf is reported when it has ended.
+    if (mRecorder.wasKilled())
+        return;
+    failRecording(mRecorder.words());
+    // A recorder that could not start has no end to report. Its process may not go from within its own signal.
+    if (mRecorder.hasEnded() && mRecorder.hasNotStarted())
+        QTimer::singleShot(0, this, &NVHWorker::concludeCapture);
 }
 
-void NVHWorker::failRecording(const QString& output) {
-    // A recorder that was told to end belongs to a run that is over, and does not end the next one.
-    if (!mRunning || !mRecorderTerminated)
+void NVHWorker::failRecording(const QString& words) {
+    // The recorder that a waiting run waits for is not its own, and does not end it.
+    if (mRun != Run::Waiting)
         stop();
-    Logger(this, "ERROR") << "Error with arecord" << output;
-    emit updateFeedbackLabel(QStringLiteral("Error with arecord\n%1").arg(output));
+    reportRecorder(words);
+}
+
+void NVHWorker::reportRecorder(const QString& words) {
+    Logger(this, "ERROR") << "Error with arecord" << words;
+    emit updateFeedbackLabel(QStringLiteral("Error with arecord\n%1").arg(words));
+}
+
+void NVHWorker::processRecording(RECORDING_TYPE type) {
+    Logger(this, "INFO") << "processRecording";
+    QString target;
+    switch (type) {
+        case RecordingAmbient:
+            target = cAmbientFileName.value();
+            break;
+        case RecordingNotes:
+            target = cNotesFileName.value();
+            break;
+        case RecordingTest:
+            target = cRecordingFilename.value();
+            break;
+        default:
+            Logger(this, "ERROR") << "processRecording() invalid type";
+            return;
+    }
+    Logger(this, "INFO") << "rename and header fix for " << target;
+    const QString failure = fileCapture(type, target);
+    if (!failure.isEmpty())
+        Logger(this, "ERROR") << failure;
+}
+
+// Why the capture is not in its place; empty if it is, or will be when its recorder has ended.
+QString NVHWorker::fileCapture(RECORDING_TYPE type, const QString& target) {
+    const QString capture = cCapturingFileName.value();
+    QString failure;
+    // Without a capture there is nothing to put in the target's place.
+    const QString noCapture = QStringLiteral("No capture file %1 - keeping %2").arg(capture, target);
+    if (mRecorder.isActive())
+        return mRecorder.fileAs(target) ? QString() : noCapture;
+    if (!isOwnPlainFile(capture))
+        return noCapture;
+    // It may be what another recorder is writing, or lie in the place of somebody else's file.
+    failure = keepFiles();
+    if (failure.isEmpty())
+        failure = whyNotOwn(target);
+    if (failure.isEmpty() && !moveFile(capture, target))
+        failure = QStringLiteral("%1 cannot be moved to %2: %3")
+                      .arg(capture, target, QString::fromLocal8Bit(strerror(errno)));
+    if (type != RecordingTest)
+        return failure;
+    mCaptureOutcome.file = failure.isEmpty() ? target : QString();
+    mCaptureOutcome.noFile = failure;
+    if (failure.isEmpty())
+        RunFiles::writeTestNote(mOpenRun ? mOpenRun->test : RunFiles::TestNote{mTestType, mClunkButtonState});
+    return failure;
 }
 
 bool NVHWorker::writeBytesToFile(FILE* file, int offset, void* data, size_t size) {

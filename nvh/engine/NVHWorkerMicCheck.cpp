@@ -1,11 +1,12 @@
 // The microphone check that follows a "Mic Test" recording.
 
 #include "nvh/engine/NVHWorker.h"
-#include "nvh/packaging/ChildProcess.h"
+#include "nvh/files/OwnFile.h"
+#include "nvh/process/ChildProcess.h"
 
 #include <HelixDash/services/Logger.h>
 
-#include <QFile>
+#include <utility>
 
 namespace {
 
@@ -15,11 +16,13 @@ constexpr int kMicCheckLimitMs = 30000;
 }  // namespace
 
 void NVHWorker::startMicCheck() {
-    if (!mMicCheck)
+    if (!mMicCheck) {
         mMicCheck = makeProcess(&NVHWorker::micCheckDone, &NVHWorker::micCheckError);
+        mMicCheck->setProcessChannelMode(QProcess::MergedChannels);
+    }
     startProcess(mMicCheck, QStringLiteral("/usr/bin/check-mic"),
                  {cRecordingFilename.value(), cRmsThres.value(), cDbDiffThres.value()});
-    mMicCheckTimer.start(kMicCheckLimitMs, mMicCheck, &QProcess::kill);
+    mMicCheck->setTimeLimit(kMicCheckLimitMs);
 }
 
 void NVHWorker::micCheckDone() {
@@ -27,36 +30,25 @@ void NVHWorker::micCheckDone() {
         Logger(this, "WARN") << "micCheck null";
         return;
     }
-    const QString report = QStringLiteral("check-mic %1 %2 \n%3")
-                               .arg(cRmsThres.value(), cDbDiffThres.value(), QString::fromUtf8(mMicCheck->readAll()));
+    const QString report =
+        QStringLiteral("check-mic %1 %2 \n%3").arg(cRmsThres.value(), cDbDiffThres.value(), mMicCheck->output().text());
     Logger(this, "INFO") << report;
     emit updateFeedbackLabel(report);
-    QFile file(cMicCheckFilename.value());
-    if (file.open(QIODevice::WriteOnly | QIODevice::Truncate)) {
-        file.write(report.toUtf8());
-        file.close();
-    }
-    releaseMicCheck();
-    resumeWhatWaited();
+    writeOwnFile(cMicCheckFilename.value(), report.toUtf8());
+    std::exchange(mMicCheck, nullptr)->deleteLater();
+    resume();
 }
 
 void NVHWorker::micCheckError() {
-    const QString output = mMicCheck ? QString::fromUtf8(mMicCheck->readAll()) : QString();
+    const QString output = mMicCheck ? mMicCheck->output().text() : QString();
     Logger(this, "INFO") << "MicCheck:" << output;
     emit updateFeedbackLabel(QStringLiteral("Error executing the mic-check utility\n%1").arg(output));
-    if (mMicCheck) {
-        mMicCheckTimer.stop();
-        mMicCheck->deleteLater();
-        mMicCheck = nullptr;
-    }
-    resumeWhatWaited();
+    if (mMicCheck)
+        std::exchange(mMicCheck, nullptr)->deleteLater();
+    resume();
 }
 
 void NVHWorker::releaseMicCheck() {
-    mMicCheckTimer.stop();
-    if (!mMicCheck)
-        return;
-    endChildProcess(mMicCheck);
-    mMicCheck->deleteLater();
-    mMicCheck = nullptr;
+    // Not from within a signal of the process: nobody who calls this is called by it.
+    delete std::exchange(mMicCheck, nullptr);
 }

@@ -1,151 +1,147 @@
-// The files of one test run: moved into place, written, named, discarded.
+// The files of one test run: written, named and packed, or discarded.
 
 #include "nvh/engine/NVHWorker.h"
+#include "nvh/files/OwnFile.h"
+#include "nvh/packaging/PackageFiles.h"
+#include "nvh/process/ChildProcess.h"
 
-#include <HelixDash/services/LocationManager.h>
 #include <HelixDash/services/Logger.h>
-#include <HelixDash/services/SystemClockWatcher.h>
-#include <HelixDash/values/DataValueManager.h>
 
 #include <QFile>
 
-#include <cstdio>
-
-namespace {
-
-// Six significant digits, the shorter of fixed and exponent notation.
-QString sixDigits(double value) {
-    return QString::number(value, 'g', 6);
-}
-
-bool renameOver(const QString& from, const QString& to) {
-    return std::rename(QFile::encodeName(from).constData(), QFile::encodeName(to).constData()) == 0;
-}
-
-// Moves a file over another one. The old one goes only when the new one is complete, also across file systems.
-bool replaceFile(const QString& from, const QString& to) {
-    if (renameOver(from, to))
-        return true;
-    const QString part = to + QLatin1String(".part");
-    QFile::remove(part);
-    if (!QFile::copy(from, part) || !renameOver(part, to)) {
-        QFile::remove(part);
-        return false;
-    }
-    return QFile::remove(from);
-}
-
-QString conditionOf(const char* valueName) {
-    const auto* value = DataValueManager::instance().find<RealDataValue>(QLatin1String(valueName));
-    if (!value)
-        return QString::fromLatin1(DataValue::kInvalid);
-    const DataValue::StateLocker locker(value);
-    return sixDigits(value->value());
-}
-
-}  // namespace
-
-void NVHWorker::processRecording(RECORDING_TYPE type) {
-    Logger(this, "INFO") << "processRecording";
-    QString target;
-    switch (type) {
-        case RecordingAmbient:
-            target = cAmbientFileName.value();
-            break;
-        case RecordingNotes:
-            target = cNotesFileName.value();
-            break;
-        case RecordingTest:
-            target = cRecordingFilename.value();
-            break;
-        default:
-            Logger(this, "ERROR") << "processRecording() invalid type";
-            return;
-    }
-    Logger(this, "INFO") << "rename and header fix for " << target;
-    const QString capture = cCapturingFileName.value();
-    // Without a capture there is nothing to put in the target's place: a clip that was moved already must not cost
-    // the test recording when its recorder exits.
-    if (!QFile::exists(capture)) {
-        Logger(this, "ERROR") << "No capture file" << capture << "- keeping" << target;
-        return;
-    }
-    // A recorder completes its file wherever that is moved, but not a copy of it on another file system.
-    if (recorderIsEnding()) {
-        if (!renameOver(capture, target))
-            mLateTarget = target;
-        return;
-    }
-    fileCapture(target);
-}
-
-void NVHWorker::fileCapture(const QString& target) {
-    const QString capture = cCapturingFileName.value();
-    if (!replaceFile(capture, target))
-        Logger(this, "ERROR") << "Cannot move" << capture << "to" << target;
-}
+#include <utility>
 
 void NVHWorker::createDataValuesFile() {
     Logger(this, "INFO") << "Creating DataValues File";
-    const Location location = LocationManager::instance()->currentLocation();
-    const QStringList parts = {
-        QStringLiteral("--- Test Conditions--- \n"),
-        QStringLiteral("Outside Temp: %1\n").arg(conditionOf("HVAC_outsideTemp")),
-        QStringLiteral("Inside Temp: %1\n").arg(conditionOf("HVAC_insideTemp")),
-        QStringLiteral("TPMS FL: %1\n").arg(conditionOf("TPMS_pressureFL")),
-        QStringLiteral("TPMS FR: %1\n").arg(conditionOf("TPMS_pressureFR")),
-        QStringLiteral("TPMS RL: %1\n").arg(conditionOf("TPMS_pressureRL")),
-        QStringLiteral("TPMS RR: %1\n").arg(conditionOf("TPMS_pressureRR")),
-        QStringLiteral("Current Latitude: %1\n").arg(sixDigits(location.latitude)),
-        QStringLiteral("Current Longitude: %1\n").arg(sixDigits(location.longitude)),
-    };
+    const QByteArray text = RunFiles::testConditions().toLocal8Bit();
     const QString name = cDataValuesFileName.value();
-    FILE* file = std::fopen(name.toLocal8Bit().constData(), "w");
+    FILE* file = openOwnStream(name);
     if (!file) {
         Logger(this, "ERROR") << "Unable to Create" << name;
         return;
     }
     // A full disk shows when the text leaves its buffer.
-    if (std::fprintf(file, "%s", parts.join(QString()).toLocal8Bit().constData()) < 0 || std::fflush(file) != 0)
+    if (std::fprintf(file, "%s", text.constData()) < 0 || std::fflush(file) != 0)
         logWithErrorNum(QStringLiteral("Unable to Write to File %1").arg(name));
     std::fclose(file);
 }
 
-void NVHWorker::renameFiles(bool pass) {
-    const QString format = QStringLiteral("/tmp/%1-%2-%3_%4-CAR_%5-%6.tgz");
-    // Two runs in one second are two packages.
-    QString packageName;
-    qint64 seconds = SystemClockWatcher::instance()->currentTimeUtcSecs();
-    do {
-        packageName =
-            format.arg(readVin(), getTrim(), QLatin1String(NVHAppVersion),
-                       pass ? QStringLiteral("pass") : QStringLiteral("fail"), getTag(), QString::number(seconds++));
-    } while (QFile::exists(packageName));
-    Logger(this, "INFO") << "package name: " << packageName;
+void NVHWorker::resultsDone() {
+    Request request = resultsRequest();
+    mPackageInHand = request.package.number;
+    // Before a run that waits as well: that one would overwrite what is to be packed.
+    mRequests.push_front(std::move(request));
+    resume();
+}
 
+NVHWorker::Request NVHWorker::resultsRequest() {
+    Request request{Request::Kind::Results};
+    request.package.number = mPackageManager.newNumber();
+    request.package.wish = getSaveOnlyState() ? PackageJob::Wish::Keep : PackageJob::Wish::Upload;
+    request.package.notes = std::exchange(mNotes, {});
+    request.tag = getTag();
+    // A recording that is not of the chosen test says itself what was tested.
+    const bool foreign = !mOpenRun && mTestTypeSpent && isPackable(cRecordingFilename.value());
+    if (const auto noted = foreign ? RunFiles::readTestNote() : std::nullopt)
+        request.tag = tagOf(noted->testType, noted->clunk);
+    return request;
+}
+
+void NVHWorker::packResults(Request request) {
+    Logger(this, "INFO") << "Results done";
+    const QString heldElsewhere = keepFiles();
+    if (heldElsewhere.isEmpty() && !writeOwnFile(cResultsFileName.value(), QStringLiteral("SkippedQ5").toLocal8Bit()))
+        logWithErrorNum(QStringLiteral("Unable to Write to File %1").arg(cResultsFileName.value()));
+    const QStringList notes = packFiles(std::move(request), true, heldElsewhere);
+    emit finished(true);
+    if (!notes.isEmpty())
+        emit updateFeedbackLabel(notes.join(QLatin1Char('\n')));
+}
+
+void NVHWorker::renameFiles(bool pass) {
+    packFiles(resultsRequest(), pass, keepFiles());
+}
+
+QString NVHWorker::keepFiles() {
+    QString reason;
+    mFiles.acquire(RunFiles::keptFiles(), &reason);
+    return reason;
+}
+
+// Hands the run's files to packaging, and returns what the driver must not miss about them.
+QStringList NVHWorker::packFiles(Request request, bool pass, const QString& heldElsewhere) {
+    PackageJob& package = request.package;
+    package.package = RunFiles::freePackageName(readVin(), getTrim(), pass, request.tag);
+    Logger(this, "INFO") << "package name: " << package.package;
+
+    const QString recording = cRecordingFilename.value();
+    const QString noRecording = whyNoRecording();
+    const bool mine = heldElsewhere.isEmpty();
     mFilesToPackage.clear();
     for (const ConfigStringValue& setting : allFilenames) {
         const QString name = setting.value();
-        if (QFile::exists(name))
+        // An older recording that lies in the place of one that this run does not have is not this run's.
+        const bool older = name == recording && !noRecording.isEmpty();
+        if (mine && !older && isPackable(name))
             mFilesToPackage.append(name);
         else
             Logger(this, "INFO") << "Missing" << name;
     }
-    mPackageManager.startPackageManagerProcess(packageName, mFilesToPackage);
+    if (!mFilesToPackage.contains(recording))
+        package.notes.prepend(QStringLiteral("No recording\n%1").arg(mine ? noRecording : heldElsewhere));
+    for (const QString& note : std::as_const(package.notes))
+        Logger(this, "ERROR") << note;
+    const QStringList notes = package.notes;
+    package.files = mFilesToPackage;
+    closeRun();
+    mPackageManager.pack(package);
+    mPackageManager.whenNotPackaging(this, [this] { releaseFiles(); });
+    return notes;
+}
+
+// Empty if there is one for the package that is made now.
+QString NVHWorker::whyNoRecording() const {
+    if (mOpenRun && !mOpenRun->capture.noFile.isEmpty())
+        return mOpenRun->capture.noFile;
+    if (isPackable(cRecordingFilename.value()))
+        return QString();
+    const QString foreign = whyNotOwn(cRecordingFilename.value());
+    return foreign.isEmpty() ? QStringLiteral("nothing was recorded") : foreign;
+}
+
+void NVHWorker::closeRun() {
+    mOpenRun.reset();
+    mTestTypeSpent = true;
+}
+
+// Nothing of this engine lies in them any more, unless a recording is under way.
+void NVHWorker::releaseFiles() {
+    RunFiles::dropTestNoteWithoutRecording();
+    if (mRun == Run::Idle && !mRecorder.isActive() && !mOpenRun)
+        mFiles.release();
 }
 
 void NVHWorker::deleteRecordedFiles() {
     // A recorder that is still ending would put its capture in place after this, a microphone check its report.
-    mCaptureDiscarded = recorderIsEnding();
+    if (mRecorder.isEnding())
+        mRecorder.discard();
     releaseMicCheck();
     removeRecordedFiles();
-    resumeWhatWaited();
+    closeRun();
+    releaseFiles();
+    resume();
 }
 
 void NVHWorker::removeRecordedFiles() {
+    if (const QString heldElsewhere = keepFiles(); !heldElsewhere.isEmpty()) {
+        Logger(this, "ERROR") << "Unable to Delete " << heldElsewhere;
+        return;
+    }
     for (const ConfigStringValue& setting : allFilenames) {
         const QString name = setting.value();
-        if (QFile::exists(name) && !mPackageManager.isPackaging(name) && !QFile::remove(name))
+        if (!QFile::exists(name) || mPackageManager.isPackaging(name))
+            continue;
+        if (!isPackable(name) || !QFile::remove(name))
             Logger(this, "ERROR") << "Unable to Delete " << name;
     }
 }

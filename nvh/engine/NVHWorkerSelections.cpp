@@ -2,6 +2,7 @@
 
 #include "nvh/capture/Truncate.h"
 #include "nvh/engine/NVHWorker.h"
+#include "nvh/vehicle/VehicleSignals.h"
 
 #include <HelixDash/services/SysUtils.h>
 #include <HelixDash/values/DataValueManager.h>
@@ -10,6 +11,7 @@
 
 void NVHWorker::setTestType(QString testType) {
     mTestType = testType;
+    mTestTypeSpent = false;
 }
 
 void NVHWorker::setSliderDurationPosition(int pos) {
@@ -71,12 +73,16 @@ QString NVHWorker::parseMicChannel() const {
 }
 
 QString NVHWorker::getTag() {
-    const QString tag = testTypesVsTags[mTestType];
-    return mClunkButtonState ? QStringLiteral("%1_CLUNK").arg(tag) : tag;
+    return tagOf(mTestType, mClunkButtonState);
+}
+
+QString NVHWorker::tagOf(const QString& testType, bool clunk) {
+    const QString tag = testTypesVsTags[testType];
+    return clunk ? QStringLiteral("%1_CLUNK").arg(tag) : tag;
 }
 
 QString NVHWorker::getTrim() {
-    const auto* trim = DataValueManager::instance().find<IntDataValue>("VAPI_trim");
+    const IntDataValue* trim = VehicleSignals::kTrim.find();
     const DataValue::StateLocker locker(trim);
     QString name =
         trim && trim->isValid() ? NameForEnum(TrimNameMap, trim->value()) : QString::fromLatin1(DataValue::kInvalid);
@@ -88,7 +94,5 @@ QString NVHWorker::readVin() const {
 }
 
 int NVHWorker::getMotorRPM() {
-    const auto* rpm = DataValueManager::instance().find<RealDataValue>("VAPI_motorRPM");
-    const DataValue::StateLocker locker(rpm);
-    return rpm ? truncated(rpm->value()) : 0;
+    return truncated(VehicleSignals::kMotorRpm.valueOr(0.0));
 }

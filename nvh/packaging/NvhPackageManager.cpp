@@ -1,42 +1,25 @@
-// Packing: tar piped into gzip, and what becomes of the loose files.
+// Packing: what is packed, and what becomes of the loose files. The transfers are elsewhere.
 
 #include "nvh/packaging/NvhPackageManager.h"
 
 #include "nvh/engine/Settings.h"
-#include "nvh/packaging/ChildProcess.h"
-#include "nvh/packaging/PackageRescue.h"
+#include "nvh/packaging/CurlCall.h"
+#include "nvh/packaging/PackagePipeline.h"
 
 #include <HelixDash/services/Logger.h>
 #include <HelixDash/services/SysUtils.h>
 
 #include <QFile>
-#include <QFileInfo>
 
 #include <utility>
-
-namespace {
-
-// What the program said in its own name on standard error; tar lists the packed files there too.
-QString complaintOf(QProcess* process) {
-    const QString name = process->program() + QLatin1Char(':');
-    for (const QString& line : QString::fromLocal8Bit(process->readAllStandardError()).split(QLatin1Char('\n'))) {
-        if (line.startsWith(name))
-            return line;
-    }
-    return QString();
-}
-
-}  // namespace
 
 NvhPackageManager::NvhPackageManager() = default;
 
 NvhPackageManager::~NvhPackageManager() {
     blockSignals(true);
-    const bool incomplete = isPackaging();
-    for (QProcess* process : {mTarProcess, mGzipProcess, mUploadPackageProcess, mUploadMetadataProcess})
-        endChildProcess(process);
-    if (incomplete)
-        QFile::remove(mArchiveInWork);
+    delete mPipeline;
+    delete mUploadPackageProcess;
+    delete mUploadMetadataProcess;
 }
 
 QString NvhPackageManager::readVin() {
@@ -44,136 +27,118 @@ QString NvhPackageManager::readVin() {
 }
 
 void NvhPackageManager::startPackageManagerProcess(QString& packageName, QStringList& files) {
+    pack({newNumber(), packageName, files, mSaveOnly ? PackageJob::Wish::Keep : PackageJob::Wish::Upload, {}});
+}
+
+void NvhPackageManager::pack(const PackageJob& job) {
     Logger(this, "INFO") << "startPackageManagerProcess";
-    // The pair at work would take this package's files for its own and remove them unpacked.
-    if (isPackaging()) {
-        mWaitingPackagings.push_back({packageName, files});
-        return;
-    }
-    mPackageName = packageName;
-    mFileList = files;
-    mUploadFailCount = 0;
-    mUploadSuccessCount = 0;
-    mRescueFolder.clear();
-    if (mFileList.isEmpty()) {
-        Logger(this, "ERROR") << "File List Empty!";
-        emit packagingFailure();
-    }
-    startPipeline();
-}
-
-void NvhPackageManager::startPipeline() {
-    mArchiveInWork = mPackageName;
-    mPipelineBroken = false;
-    if (!mTarProcess || !mGzipProcess) {
-        mTarProcess = new QProcess(this);
-        mGzipProcess = new QProcess(this);
-        mTarProcess->setStandardOutputProcess(mGzipProcess);
-        mGzipProcess->setStandardOutputFile(mPackageName, QIODevice::Truncate);
-        connect(mGzipProcess, qOverload<int, QProcess::ExitStatus>(&QProcess::finished), this,
-                &NvhPackageManager::removeUnpackagedFiles);
-        connect(mTarProcess, &QProcess::errorOccurred, this, &NvhPackageManager::packageError);
-        connect(mGzipProcess, &QProcess::errorOccurred, this, &NvhPackageManager::packageError);
-    }
-    emit packagingStart();
-    const QStringList tarCommand = QStringList{QStringLiteral("tar -cvf -")} + mFileList;
-    Logger(this, "INFO") << "Saving to" << mPackageName;
-    Logger(this, "INFO") << "tarcmd: " << bracketed(tarCommand);
-    QProcess* const tar = mTarProcess;
-    mGzipProcess->startCommand(QStringLiteral("gzip -5"));
-    // A gzip that cannot open its archive has failed by now, and the pair is gone.
-    if (mTarProcess == tar)
-        tar->startCommand(tarCommand.join(QLatin1Char(' ')));
-}
-
-void NvhPackageManager::packageError() {
-    Logger(this, "ERROR") << "Packaging Error!";
-    mPipelineBroken = true;
-    // A gzip that never started leaves an empty file, which nobody may take for a package, and never finishes; tar dies
-    // of its broken pipe.
-    const bool withoutGzip = mGzipProcess && mGzipProcess->error() == QProcess::FailedToStart;
-    if (withoutGzip)
-        QFile::remove(mArchiveInWork);
-    emit packageManagerFailure();
-    if (!withoutGzip)
-        return;
-    if (isActive(mTarProcess))
-        connect(mTarProcess, qOverload<int, QProcess::ExitStatus>(&QProcess::finished), this,
-                &NvhPackageManager::abandonPipeline, Qt::UniqueConnection);
-    else
-        abandonPipeline();
-}
-
-void NvhPackageManager::abandonPipeline() {
-    if (!mGzipProcess)
-        return;
-    endPipeline();
+    mPackings.add(PackageTask(job));
     startNextPackaging();
-}
-
-void NvhPackageManager::removeUnpackagedFiles() {
-    // How tar ended may be known only after gzip has.
-    if (isActive(mTarProcess)) {
-        connect(mTarProcess, qOverload<int, QProcess::ExitStatus>(&QProcess::finished), this,
-                &NvhPackageManager::removeUnpackagedFiles, Qt::UniqueConnection);
-        return;
-    }
-    if (!mGzipProcess)
-        return;
-    endPipeline();
-    // Another package may have been uploaded meanwhile.
-    QString packed = mArchiveInWork;
-    startUploadingPackage(packed);
-    startNextPackaging();
-}
-
-void NvhPackageManager::endPipeline() {
-    const QStringList removable = safeToRemove();
-    // What these two may still have to say is not about the next package.
-    mTarProcess->disconnect(this);
-    mGzipProcess->disconnect(this);
-    mTarProcess = nullptr;
-    mGzipProcess = nullptr;
-    for (const QString& file : removable) {
-        if (!QFile::remove(file))
-            Logger(this, "ERROR") << "Cannot Remove:" << file;
-    }
-    mFileList.clear();
-}
-
-QStringList NvhPackageManager::safeToRemove() {
-    if (!mPipelineBroken && hasSucceeded(mTarProcess) && hasSucceeded(mGzipProcess) &&
-        !archiveHoldsNothing(mArchiveInWork))
-        return mFileList;
-    const QString reason = complaintOf(mTarProcess) + complaintOf(mGzipProcess);
-    const Rescue rescue = rescueFiles(mArchiveInWork, mFileList);
-    mRescueFolder = rescue.folder;
-    QStringList removable;
-    for (const QString& file : std::as_const(mFileList)) {
-        if (rescue.kept.contains(file) || !QFile::exists(file))
-            removable.append(file);
-        else if (mRescueFolder.isEmpty())
-            mRescueFolder = QFileInfo(file).absolutePath();  // it stays where it is
-    }
-    if (!mRescueFolder.isEmpty()) {
-        Logger(this, "ERROR") << "Package incomplete, its files are kept in" << mRescueFolder << reason;
-        emit updateFeedbackLabel(rescueNote());
-    }
-    return removable;
-}
-
-QString NvhPackageManager::rescueNote() const {
-    return QStringLiteral("Packaging failed\nThe files are kept in %1").arg(mRescueFolder);
 }
 
 void NvhPackageManager::startNextPackaging() {
-    if (mWaitingPackagings.empty()) {
+    PackageTask* const task = mPackings.begin();
+    if (!task)
+        return;
+    const About about(this, task->job.number);
+    mPackageName = task->job.package;
+    mUploadFailCount = 0;
+    mUploadSuccessCount = 0;
+    mRescueFolder.clear();
+    mPipeline = new PackagePipeline(task->job, this);
+    connect(mPipeline, &PackagePipeline::failed, this, &NvhPackageManager::packageError);
+    connect(mPipeline, &PackagePipeline::done, this, &NvhPackageManager::removeUnpackagedFiles);
+    for (const QString& reason : mPipeline->notPacked())
+        Logger(this, "ERROR") << "Not Packed:" << reason;
+    if (mPipeline->fileList().isEmpty()) {
+        task->conclude(PackageOutcome::What::NothingToPack, QString(), QString());
+        Logger(this, "ERROR") << "File List Empty!";
+        emit packagingFailure();
+    }
+    emit packagingStart();
+    Logger(this, "INFO") << "Saving to" << mPackageName;
+    Logger(this, "INFO") << "tarcmd: " << bracketed(mPipeline->tarCommand());
+    mPipeline->start();
+}
+
+void NvhPackageManager::packageError() {
+    const About about(this, subjectOr(mPackings));
+    Logger(this, "ERROR") << "Packaging Error!";
+    emit packageManagerFailure();
+}
+
+void NvhPackageManager::removeUnpackagedFiles() {
+    if (!mPipeline || !mPipeline->isDone())
+        return;
+    PackagePipeline* const pipeline = std::exchange(mPipeline, nullptr);
+    pipeline->deleteLater();
+    const Settlement& result = pipeline->result();
+    PackageTask task = mPackings.end();
+    const About about(this, task.job.number);
+    mRescueFolder = result.rescueFolder;
+    task.outcome.rescueFolder = result.rescueFolder;
+    if (!result.isComplete)
+        task.conclude(PackageOutcome::What::Incomplete, pipeline->culprit(), pipeline->words());
+    if (!result.rescueFolder.isEmpty()) {
+        Logger(this, "ERROR") << "Package incomplete, its files are kept in" << result.rescueFolder
+                              << pipeline->words();
+        const QString note = QStringLiteral("Packaging failed\nThe files are kept in %1").arg(result.rescueFolder);
+        giveFeedback(task, note);
+        // An upload's answer must not hide it.
+        task.job.notes.append(note);
+    }
+    for (const QString& file : result.notRemoved)
+        Logger(this, "ERROR") << "Cannot Remove:" << file;
+    if (result.isNamed)
+        handOn(task);
+    else
+        report(task);
+    startNextPackaging();
+    if (!isPackaging())
         mWhenNotPackaging.makeAll();
+}
+
+void NvhPackageManager::handOn(PackageTask& task) {
+    if (task.job.wish == PackageJob::Wish::Upload) {
+        mTransfers.add(task);
+        startNextTransfer();
         return;
     }
-    PackageRequest next = mWaitingPackagings.front();
-    mWaitingPackagings.erase(mWaitingPackagings.begin());
-    startPackageManagerProcess(next.packageName, next.files);
+    const About about(this, task.job.number);
+    mPackageName = task.job.package;
+    if (!QFile::exists(mPackageName))
+        task.conclude(PackageOutcome::What::Missing, QString(), QString());
+    Logger(this, "INFO") << "Skipping Upload..!";
+    emit fileSaved();
+    report(task);
+}
+
+void NvhPackageManager::giveFeedback(const PackageTask& task, const QString& text) {
+    emit updateFeedbackLabel(text);
+    if (!task.job.notes.isEmpty())
+        emit updateFeedbackLabel(text + QLatin1Char('\n') + task.job.notes.join(QLatin1Char('\n')));
+}
+
+int NvhPackageManager::subjectOr(const PackageQueue& queue) const {
+    return mSubject != 0 || !queue.isBusy() ? mSubject : queue.inWork()->job.number;
+}
+
+void NvhPackageManager::report(const PackageTask& task) {
+    // One that is called may ask for more.
+    const std::vector<Listener> listeners = mListeners;
+    for (const Listener& listener : listeners) {
+        if (listener.context)
+            listener.callback(task.outcome);
+    }
+}
+
+void NvhPackageManager::onOutcome(QObject* context, std::function<void(const PackageOutcome&)> callback) {
+    std::erase_if(mListeners, [](const Listener& listener) { return !listener.context; });
+    mListeners.push_back({context, std::move(callback)});
+}
+
+bool NvhPackageManager::isPackaging(const QString& file) const {
+    return mPackings.wantsFile(file);
 }
 
 void NvhPackageManager::whenNotPackaging(QObject* context, std::function<void()> callback) {

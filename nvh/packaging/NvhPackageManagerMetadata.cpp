@@ -1,22 +1,44 @@
 // Registering an uploaded package; only then it is deleted.
 
 #include "nvh/engine/Settings.h"
-#include "nvh/packaging/ChildProcess.h"
+#include "nvh/packaging/CurlCall.h"
 #include "nvh/packaging/NvhPackageManager.h"
 
 #include <HelixDash/json/JSONData.h>
-#include <HelixDash/json/KJson.h>
 #include <HelixDash/services/Logger.h>
 
 #include <QFile>
-#include <QTimer>
 
-void NvhPackageManager::postMetadata(const char* url) {
-    Logger(this, "INFO") << "Adding File Metadata to Sonvara API...";
+#include <utility>
+
+namespace {
+
+// The longest argument that the system hands to a program, its final zero included (MAX_ARG_STRLEN).
+constexpr size_t kLongestArgument = 128 * 1024;
+
+QByteArray payloadOf(const char* url) {
     JSONData record;
     record.insert(QStringLiteral("url"), QString::fromUtf8(url));
-    const QString payload = QString::fromUtf8(record.serializedJSON());
-    Logger(this, "INFO") << "Payload:" << payload;
+    return record.serializedJSON();
+}
+
+}  // namespace
+
+bool NvhPackageManager::canPost(const char* url) {
+    return qstrlen(url) < kLongestArgument && size_t(payloadOf(url).size()) < kLongestArgument;
+}
+
+void NvhPackageManager::postMetadata(const char* url) {
+    if (!mTransfers.isBusy()) {
+        mTransfers.add(PackageTask({newNumber(), mPackageName, {}, PackageJob::Wish::Upload, {}}));
+        mTransfers.begin()->holdFile();
+    }
+    PackageTask& task = *mTransfers.inWork();
+    const About about(this, task.job.number);
+    Logger(this, "INFO") << "Adding File Metadata to Sonvara API...";
+    const QByteArray payload = payloadOf(url);
+    Logger(this, "INFO") << "Payload:" << ChildOutput::shown(payload);
+    task.outcome.url = cMetadataUploadUrl.value();
     const QStringList arguments = {"-i",
                                    "-X",
                                    "POST",
@@ -29,22 +51,23 @@ void NvhPackageManager::postMetadata(const char* url) {
                                    "-H",
                                    "Content-Type: application/json",
                                    "-d",
-                                   payload,
-                                   cMetadataUploadUrl.value()};
+                                   QString::fromUtf8(payload),
+                                   task.outcome.url};
     if (!mUploadMetadataProcess) {
-        mUploadMetadataProcess = new QProcess(this);
-        connect(mUploadMetadataProcess, qOverload<int, QProcess::ExitStatus>(&QProcess::finished), this,
-                &NvhPackageManager::parseMetaPostResponse);
-        connect(mUploadMetadataProcess, &QProcess::errorOccurred, this, &NvhPackageManager::postMetadataError);
+        mUploadMetadataProcess = new CurlCall(ServerAnswer::Wanted::Registered, this);
+        connect(mUploadMetadataProcess, &CurlCall::ended, this, &NvhPackageManager::parseMetaPostResponse);
+        connect(mUploadMetadataProcess, &CurlCall::failed, this, &NvhPackageManager::postMetadataError);
+        connect(mUploadMetadataProcess, &CurlCall::failed, this, [this, call = mUploadMetadataProcess] {
+            if (call->outcome().how == CurlOutcome::How::NotStarted)
+                dropTransfer(PackageOutcome::What::NotRegistered);
+        });
         // Once more with every process, on purpose, as with the upload.
         connect(this, &NvhPackageManager::packageUploadFailure, this, &NvhPackageManager::postMetadataError);
     }
-    mPosting = true;
-    mPostedPackage = mUploadedPackage;
     emit metadataUploadStart();
-    mUploadMetadataProcess->start(QStringLiteral("curl"), arguments);
+    mUploadMetadataProcess->start(arguments, mLongestCallMs);
     Logger(this, "INFO") << "Exec:"
-                         << "curl" << bracketed(arguments);
+                         << "curl" << ChildOutput::shown(bracketed(arguments).toUtf8());
 }
 
 void NvhPackageManager::parseMetaPostResponse() {
@@ -54,49 +77,58 @@ void NvhPackageManager::parseMetaPostResponse() {
         ++mUploadFailCount;
         return;
     }
-    const QByteArray response = mUploadMetadataProcess->readAllStandardOutput();
-    const QString text = QString::fromUtf8(response);
-    Logger(this, "INFO") << "Sonvara API: " << text;
-    mPosting = false;
-    if (!response.contains("HTTP/1.1 201") || wasCutOff(mUploadMetadataProcess)) {
+    if (!mUploadMetadataProcess->hasEnded())
+        return;
+    CurlCall* const call = std::exchange(mUploadMetadataProcess, nullptr);
+    call->deleteLater();
+    const CurlOutcome& outcome = call->outcome();
+    // The next one of the chain starts while the success is told.
+    PackageTask task = mTransfers.end();
+    const About about(this, task.job.number);
+    Logger(this, "INFO") << "Sonvara API: " << outcome.text;
+    if (!outcome.isAccepted()) {
+        if (!outcome.defect.isEmpty())
+            Logger(this, "ERROR") << "Post Not Complete:" << outcome.defect;
         Logger(this, "INFO") << "Metadata Upload Failed...!";
         ++mUploadFailCount;
         emit metadataUploadFailure();
-        giveFeedback(QStringLiteral("Error uploading package to Sonvara API\n%1").arg(text));
-    } else {
-        Logger(this, "INFO") << "Metadata Posted!";
-        if (!QFile::remove(mPostedPackage))
-            Logger(this, "ERROR") << "Package Remove Failed!";
-        // It may have been asked for again while it was on its way.
-        mSavedPackages.removeAll(mPostedPackage);
-        mWaitingUploads.removeAll(mPostedPackage);
-
-        const auto bodyAt = response.indexOf('{');
-        const QVariantMap body = bodyAt < 0 ? QVariantMap() : KJson::Parser::parse(response.mid(bodyAt)).value.toMap();
-        const QString feedback = body.value(QStringLiteral("VDT Feedback")).toString();
-        Logger(this, "INFO") << feedback;
-        mFeedback = feedback.trimmed().isEmpty() ? QStringLiteral("No live feedback available.") : feedback;
-        ++mUploadSuccessCount;
-        emit metadataUploadSuccess();
-        giveFeedback(mFeedback);
+        giveFeedback(task, QStringLiteral("Error uploading package to Sonvara API\n%1").arg(outcome.text));
+        reportFailure(task, PackageOutcome::What::NotRegistered, outcome);
+        return;
     }
-    mUploadMetadataProcess->deleteLater();
-    mUploadMetadataProcess = nullptr;
-    startWaitingUpload();
+    Logger(this, "INFO") << "Metadata Posted!";
+    const std::vector<PackageTask> others = removeRegistered(task);
+    const QString& feedback = outcome.answer.feedback;
+    Logger(this, "INFO") << feedback;
+    mFeedback = feedback.trimmed().isEmpty() ? QStringLiteral("No live feedback available.") : feedback;
+    ++mUploadSuccessCount;
+    emit metadataUploadSuccess();
+    giveFeedback(task, mFeedback);
+    task.conclude(PackageOutcome::What::Registered, QString(), outcome.answer.statusLine);
+    task.outcome.feedback = mFeedback;
+    report(task);
+    for (PackageTask other : others) {
+        other.conclude(PackageOutcome::What::Registered, QString(), outcome.answer.statusLine);
+        other.outcome.url = task.outcome.url;
+        other.outcome.feedback = mFeedback;
+        report(other);
+    }
+    startNextTransfer();
+}
+
+std::vector<PackageTask> NvhPackageManager::removeRegistered(const PackageTask& task) {
+    const bool isReplaced = task.isReplaced();
+    if (!task.removeFile())
+        Logger(this, "ERROR") << "Package Remove Failed!";
+    if (isReplaced)
+        return {};
+    // It may have been asked for again while it was on its way.
+    mSavedPackages.removeAll(task.job.package);
+    return mTransfers.takeWaiting(task.job.package);
 }
 
 void NvhPackageManager::postMetadataError() {
-    if (mPosting && mUploadMetadataProcess->error() == QProcess::FailedToStart) {
-        mPosting = false;
-        QTimer::singleShot(0, this, &NvhPackageManager::startWaitingUpload);
-    }
+    const About about(this, subjectOr(mTransfers));
     Logger(this, "ERROR") << "POST METADATA FAILED!";
     emit packageManagerFailure();
-}
-
-void NvhPackageManager::giveFeedback(const QString& text) {
-    emit updateFeedbackLabel(text);
-    // An upload's answer must not hide that the package is incomplete.
-    if (!mRescueFolder.isEmpty())
-        emit updateFeedbackLabel(text + QLatin1Char('\n') + rescueNote());
 }

@@ -1,8 +1,9 @@
 // Saved packages and their upload.
 
 #include "nvh/engine/Settings.h"
-#include "nvh/packaging/ChildProcess.h"
+#include "nvh/packaging/CurlCall.h"
 #include "nvh/packaging/NvhPackageManager.h"
+#include "nvh/packaging/PackageFiles.h"
 
 #include <HelixDash/services/Logger.h>
 
@@ -11,83 +12,116 @@
 #include <QFileInfo>
 #include <QTimer>
 
+#include <utility>
+
 void NvhPackageManager::startUploadingPackage(QString& pkgName) {
-    if (!mSaveOnly && isUploading()) {
-        if (!mWaitingUploads.contains(pkgName))
-            mWaitingUploads.append(pkgName);
+    const PackageJob::Wish wish = mSaveOnly ? PackageJob::Wish::Keep : PackageJob::Wish::Upload;
+    if (wish == PackageJob::Wish::Upload && mTransfers.awaits(pkgName))
         return;
-    }
-    mPackageName = pkgName;
-    if (mSaveOnly) {
-        Logger(this, "INFO") << "Skipping Upload..!";
-        emit fileSaved();
-        return;
-    }
-    if (!QFile::exists(mPackageName)) {
+    PackageTask task({newNumber(), pkgName, {}, wish, {}});
+    handOn(task);
+}
+
+void NvhPackageManager::startNextTransfer() {
+    while (PackageTask* task = mTransfers.begin())
+        startTransfer(*task);
+}
+
+void NvhPackageManager::startTransfer(PackageTask& task) {
+    const About about(this, task.job.number);
+    const QString package = task.job.package;
+    mPackageName = package;
+    if (!QFile::exists(package)) {
         Logger(this, "ERROR") << "Package Name Mismatch!";
-        emit packageUploadFailure();
+        refuseTransfer(PackageOutcome::What::Missing);
         return;
     }
+    if (const QString reason = whyNotSendable(package); !reason.isEmpty()) {
+        Logger(this, "ERROR") << "Package Passed Over:" << reason;
+        refuseTransfer(PackageOutcome::What::PassedOver);
+        return;
+    }
+    task.holdFile();
     if (!mUploadPackageProcess) {
-        mUploadPackageProcess = new QProcess(this);
-        connect(mUploadPackageProcess, qOverload<int, QProcess::ExitStatus>(&QProcess::finished), this,
-                &NvhPackageManager::parsePackageUploadResponse);
-        connect(mUploadPackageProcess, &QProcess::errorOccurred, this, &NvhPackageManager::packageUploadError);
+        mUploadPackageProcess = new CurlCall(ServerAnswer::Wanted::Stored, this);
+        connect(mUploadPackageProcess, &CurlCall::ended, this, &NvhPackageManager::parsePackageUploadResponse);
+        connect(mUploadPackageProcess, &CurlCall::failed, this, &NvhPackageManager::packageUploadError);
+        connect(mUploadPackageProcess, &CurlCall::failed, this, [this, call = mUploadPackageProcess] {
+            if (call->outcome().how == CurlOutcome::How::NotStarted)
+                dropTransfer(PackageOutcome::What::NotSent);
+        });
         // Once more with every process, on purpose: each failure is reported once per upload so far.
         connect(this, &NvhPackageManager::packageUploadFailure, this, &NvhPackageManager::packageUploadError);
     }
+    task.outcome.url = cPackageUploadUrl.value();
     const QString command = QStringLiteral(
                                 "curl -i -X POST --retry 3 --connect-timeout 10 -m 60 "
                                 "-H \"Content-Type: multipart/form-data\" -F \"data=@%1\" %2")
-                                .arg(mPackageName, cPackageUploadUrl.value());
-    mUploading = true;
-    mUploadedPackage = mPackageName;
+                                .arg(package, task.outcome.url);
     emit packageUploadStart();
-    mUploadPackageProcess->startCommand(command);
-    const double megabytes = double(QFileInfo(mUploadedPackage).size()) / 1e6;
-    Logger(this, "INFO") << "Uploading:" << mUploadedPackage << QString::number(megabytes, 'g', 6) << "MB";
+    mUploadPackageProcess->startCommand(command, mLongestCallMs);
+    const double megabytes = double(QFileInfo(package).size()) / 1e6;
+    Logger(this, "INFO") << "Uploading:" << package << QString::number(megabytes, 'g', 6) << "MB";
     Logger(this, "INFO") << "Executing:" << command;
 }
 
+void NvhPackageManager::refuseTransfer(PackageOutcome::What what) {
+    emit packageUploadFailure();
+    PackageTask task = mTransfers.end();
+    task.conclude(what, QString(), QString());
+    report(task);
+}
+
+void NvhPackageManager::dropTransfer(PackageOutcome::What what) {
+    PackageTask task = mTransfers.end();
+    task.conclude(what, QStringLiteral("curl"), QString());
+    report(task);
+    QTimer::singleShot(0, this, &NvhPackageManager::startNextTransfer);
+}
+
 void NvhPackageManager::parsePackageUploadResponse() {
-    if (!mUploadPackageProcess)
+    if (!mUploadPackageProcess || !mUploadPackageProcess->hasEnded())
         return;
-    const QByteArray response = mUploadPackageProcess->readAllStandardOutput();
-    const QString text = QString::fromUtf8(response);
-    const auto urlAt = response.indexOf("http://");
-    if (response.contains("HTTP/1.1 200 OK") && urlAt >= 0 && !wasCutOff(mUploadPackageProcess)) {
+    CurlCall* const call = std::exchange(mUploadPackageProcess, nullptr);
+    call->deleteLater();
+    CurlOutcome outcome = call->outcome();
+    PackageTask& task = *mTransfers.inWork();
+    const About about(this, task.job.number);
+    const QByteArray& url = outcome.answer.url;
+    const bool isStored = outcome.isAccepted() && !url.isEmpty();
+    if (isStored && canPost(url.constData())) {
         Logger(this, "INFO") << "parsePackageUploadResponse"
-                             << "Upload Success!" << text;
+                             << "Upload Success!" << outcome.text;
         emit packageUploadSuccess();
-        postMetadata(response.mid(urlAt).constData());
-    } else {
-        Logger(this, "INFO") << "parsePackageUploadResponse"
-                             << "Upload Failed!" << text;
-        ++mUploadFailCount;
-        giveFeedback(QStringLiteral("Package upload failed\n%1").arg(text));
-        emit packageUploadFailure();
+        postMetadata(url.constData());
+        return;
     }
-    mUploading = false;
-    mUploadPackageProcess->deleteLater();
-    mUploadPackageProcess = nullptr;
-    startWaitingUpload();
+    if (isStored)
+        outcome.defect = QStringLiteral("the package's URL is too long to be posted");
+    if (!outcome.defect.isEmpty())
+        Logger(this, "ERROR") << "Upload Not Complete:" << outcome.defect;
+    Logger(this, "INFO") << "parsePackageUploadResponse"
+                         << "Upload Failed!" << outcome.text;
+    ++mUploadFailCount;
+    giveFeedback(task, QStringLiteral("Package upload failed\n%1").arg(outcome.text));
+    emit packageUploadFailure();
+    PackageTask ended = mTransfers.end();
+    reportFailure(ended, PackageOutcome::What::NotStored, outcome);
+}
+
+void NvhPackageManager::reportFailure(PackageTask& task, PackageOutcome::What what, const CurlOutcome& outcome) {
+    const bool crashed = outcome.how == CurlOutcome::How::Crashed;
+    const bool sent = !crashed || what != PackageOutcome::What::NotStored;
+    task.conclude(sent ? what : PackageOutcome::What::NotSent, crashed ? QStringLiteral("curl") : QString(),
+                  outcome.answer.statusLine);
+    report(task);
+    startNextTransfer();
 }
 
 void NvhPackageManager::packageUploadError() {
-    // A curl that could not start will not report a response either.
-    if (mUploading && mUploadPackageProcess->error() == QProcess::FailedToStart) {
-        mUploading = false;
-        QTimer::singleShot(0, this, &NvhPackageManager::startWaitingUpload);
-    }
+    const About about(this, subjectOr(mTransfers));
     Logger(this, "ERROR") << "PACKAGE UPLOAD FAILED!";
     emit packageManagerFailure();
-}
-
-void NvhPackageManager::startWaitingUpload() {
-    while (!mWaitingUploads.isEmpty() && !isUploading()) {
-        QString next = mWaitingUploads.takeFirst();
-        startUploadingPackage(next);
-    }
 }
 
 QStringList NvhPackageManager::findAllSavedPackages() {
@@ -118,22 +152,44 @@ void NvhPackageManager::uploadAllSavedPackages() {
     mSavedPackages = findAllSavedPackages();
     if (mSavedFilesCount <= 0)
         return;
-    // These take care of themselves: one is not complete yet, the others are on their way.
+    // One that is about to be packed anew takes care of itself.
     if (isPackaging())
-        mSavedPackages.removeAll(mArchiveInWork);
+        mSavedPackages.removeAll(mPackings.inWork()->job.package);
     connect(this, &NvhPackageManager::metadataUploadSuccess, this, &NvhPackageManager::initiateQueueUpload,
             Qt::UniqueConnection);
-    initiateQueueUpload();
+    const int passedOver = uploadNextSaved();
+    if (passedOver == 0 || !mTransfers.isEmpty())
+        return;
+    // Whoever has asked must hear that it is over.
+    const About about(this, passedOver);
+    emit packageUploadFailure();
 }
 
 void NvhPackageManager::initiateQueueUpload() {
+    uploadNextSaved();
+}
+
+int NvhPackageManager::uploadNextSaved() {
     if (mSavedPackages.isEmpty()) {
         Logger(this, "INFO") << "All Files Uploaded!";
-        return;
+        return 0;
     }
-    Logger(this, "INFO") << "trying to uploading other files";
-    QString next = mSavedPackages.takeFirst();
-    startUploadingPackage(next);
+    int passedOver = 0;
+    while (!mSavedPackages.isEmpty()) {
+        PackageTask task({newNumber(), mSavedPackages.takeFirst(), {}, PackageJob::Wish::Upload, {}});
+        const QString reason = whyNotSendable(task.job.package);
+        if (reason.isEmpty()) {
+            Logger(this, "INFO") << "trying to uploading other files";
+            if (!mTransfers.awaits(task.job.package))
+                handOn(task);
+            return 0;
+        }
+        Logger(this, "ERROR") << "Package Passed Over:" << reason;
+        task.conclude(PackageOutcome::What::PassedOver, QString(), QString());
+        report(task);
+        passedOver = task.job.number;
+    }
+    return passedOver;
 }
 
 void NvhPackageManager::findAllSavedPackagesError() {

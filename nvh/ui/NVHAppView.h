@@ -9,6 +9,7 @@
 #include <QElapsedTimer>
 #include <QList>
 #include <QMap>
+#include <QProcess>
 #include <QTimer>
 #include <QVariantMap>
 

@@ -12,6 +12,7 @@
 #include <QProcess>
 #include <QStandardPaths>
 
+#include <csignal>
 #include <unistd.h>
 
 namespace {
@@ -41,7 +42,7 @@ PrivateMachine::PrivateMachine() {
 
 void PrivateMachine::reset(const QByteArray& recorderMode) {
     // Nothing but what tests leave; directories that are kept from the real /tmp are somebody else's.
-    const QStringList leavings = {"*.wav", "*.txt", "*.tgz", "*.rescue*", "recorder-*", "capture", "programs"};
+    const QStringList leavings = {"*.wav", "*.txt", "*.tgz*", "*.rescue*", "recorder-*", "capture", "programs"};
     for (const QFileInfo& entry : QDir(QStringLiteral("/tmp")).entryInfoList(leavings, QDir::AllEntries | QDir::System))
         entry.isDir() ? QDir(entry.filePath()).removeRecursively() : QFile::remove(entry.filePath());
     qputenv("PATH", kSearchPath);
@@ -110,6 +111,18 @@ QStringList archiveMembers(const QString& archive) {
 
 QByteArray archiveMember(const QString& archive, const QString& member) {
     return outputOf("tar", {"-xzOf", archive, member});
+}
+
+FullDisk::FullDisk() {
+    // Or the process would be killed for it.
+    std::signal(SIGXFSZ, SIG_IGN);
+    ::getrlimit(RLIMIT_FSIZE, &mBefore);
+    const rlimit none{0, mBefore.rlim_max};
+    ::setrlimit(RLIMIT_FSIZE, &none);
+}
+
+FullDisk::~FullDisk() {
+    ::setrlimit(RLIMIT_FSIZE, &mBefore);
 }
 
 QStringList childPrograms() {

@@ -5,6 +5,8 @@
 #include <QStringList>
 #include <QVariant>
 
+#include <sys/resource.h>
+
 // The machine as a test of the recorder wants it: a recorder that needs no sound device, the named data values, a
 // configuration of its own, an empty /tmp. It replaces and removes programs, so it refuses to work anywhere but in a
 // private namespace.
@@ -37,6 +39,16 @@ QByteArray readFile(const QString& path);
 // Names as tar lists them, and one member's content.
 QStringList archiveMembers(const QString& archive);
 QByteArray archiveMember(const QString& archive, const QString& member);
+
+// While it lives no file of this process can grow, as on a full disk.
+class FullDisk {
+public:
+    FullDisk();
+    ~FullDisk();
+
+private:
+    rlimit mBefore{};
+};
 
 // The programs that this process has started and that have not ended, and how many threads it has.
 QStringList childPrograms();

@@ -160,7 +160,8 @@ QList<QCommandLineOption> CanLogCommand::options() const {
         {QStringLiteral("file"), QStringLiteral("The log file; one that is there is replaced."),
          QStringLiteral("FILE")},
         {QStringLiteral("seconds"),
-         QStringLiteral("Logs that long, 1 to 86400 s from the gateway's acknowledgement. Without it until SIGINT."),
+         QStringLiteral(
+             "Logs that long, 1 to 86400 s from the gateway's acknowledgement. Without it until an interrupt."),
          QStringLiteral("N")},
     };
 }

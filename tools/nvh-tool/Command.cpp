@@ -1,5 +1,7 @@
 #include "tools/nvh-tool/Command.h"
 
+#include "host/setup/PlainText.h"
+#include "nvh/engine/Settings.h"
 #include "tools/nvh-tool/AnalyseCommand.h"
 #include "tools/nvh-tool/CanLogCommand.h"
 #include "tools/nvh-tool/JudgeCommand.h"
@@ -7,10 +9,13 @@
 #include "tools/nvh-tool/RecordCommand.h"
 #include "tools/nvh-tool/RepairWavCommand.h"
 
+#include <QCoreApplication>
+
 #include <cstdio>
 
 void say(const QString& text) {
-    std::fprintf(stderr, "nvh-tool: %s\n", qPrintable(text));
+    for (const QString& line : text.split(QLatin1Char('\n'), Qt::SkipEmptyParts))
+        std::fprintf(stderr, "nvh-tool: %s\n", PlainText::printable(line).constData());
 }
 
 int refuse(const QString& reason) {
@@ -19,12 +24,18 @@ int refuse(const QString& reason) {
 }
 
 void print(const QString& text) {
-    std::printf("%s\n", qPrintable(text));
+    std::printf("%s\n", PlainText::printable(text).constData());
     std::fflush(stdout);
 }
 
-QString firstLine(const QString& text) {
-    return text.trimmed().section(QLatin1Char('\n'), 0, 0).trimmed();
+QString unknownTestType(const QString& type) {
+    const QString list = QStringList(testTypesVsTags.keys()).join(QLatin1String(", "));
+    return QStringLiteral("--type: \"%1\" is none of %2").arg(type, list);
+}
+
+void endInterrupted() {
+    say(QStringLiteral("interrupted"));
+    QCoreApplication::exit(ExitFailed);
 }
 
 std::vector<std::unique_ptr<Command>> allCommands() {

@@ -12,15 +12,19 @@
 // How the program ends.
 enum ExitStatus { ExitDone = 0, ExitFailed = 1, ExitUsage = 2 };
 
-// One line on standard error that begins with the program's name.
+// On standard error, each line of the text with the program's name before it. Control characters, which a server or a
+// file name may hold, are written out: they would command the terminal.
 void say(const QString& text);
 // The same, as what a command returns when its arguments cannot be used.
 int refuse(const QString& reason);
-// A line on standard output.
+// On standard output, with a line end. Of the control characters only line ends and tabs stay.
 void print(const QString& text);
 
-// The first line of a text, which may have many.
-QString firstLine(const QString& text);
+// The reason to refuse a --type that is none of the test types.
+QString unknownTestType(const QString& type);
+
+// For a command that has nothing to complete when it is interrupted: says so, and ends the event loop as failed.
+void endInterrupted();
 
 // One of the tool's commands.
 class Command {

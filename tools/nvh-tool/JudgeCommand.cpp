@@ -1,6 +1,6 @@
 #include "tools/nvh-tool/JudgeCommand.h"
 
-#include "nvh/engine/NVHWorker.h"
+#include "nvh/engine/SpectrumTable.h"
 
 #include <QFile>
 
@@ -30,12 +30,27 @@ int JudgeCommand::run(const QCommandLineParser& parser, const QStringList& argum
     if (!levelOk || std::isnan(level))
         return refuse(QStringLiteral("--threshold: \"%1\" is not a number").arg(threshold));
 
-    QFile file(arguments.first());
-    const bool open = arguments.first() == QLatin1String("-") ? file.open(stdin, QIODevice::ReadOnly)
-                                                              : file.open(QIODevice::ReadOnly);
+    const QString name = arguments.first();
+    QFile file(name);
+    const bool open =
+        name == QLatin1String("-") ? file.open(stdin, QIODevice::ReadOnly) : file.open(QIODevice::ReadOnly);
     if (!open)
-        return refuse(QStringLiteral("%1: %2").arg(arguments.first(), file.errorString()));
-    const bool pass = NVHWorker(AppModeNvh).resultsCheck(file.readAll(), low, high, level);
+        return refuse(QStringLiteral("%1: %2").arg(name, file.errorString()));
+    const QByteArray table = file.readAll();
+    if (file.error() != QFileDevice::NoError)
+        return refuse(QStringLiteral("%1: %2").arg(name, file.errorString()));
+
+    const SpectrumTableCheck check = checkSpectrumTable(table);
+    const bool pass = spectrumPasses(table, low, high, level);
+    const QString line = QStringLiteral("%1: line %2: %3").arg(name);
+    if (check.isEmpty)
+        say(QStringLiteral("%1: the table is empty").arg(name));
+    else if (!check.hasNumbers)
+        return refuse(line.arg(check.firstLine).arg(QStringLiteral("no table, there is not a number in it")));
+    else if (pass && !check.hasLevels)
+        return refuse(line.arg(check.firstLine).arg(QStringLiteral("no table, no line has a frequency and a level")));
+    else if (pass && check.isCut)
+        return refuse(line.arg(check.lastLine).arg(QStringLiteral("cut off, it has less than four fields")));
     print(pass ? QStringLiteral("PASS") : QStringLiteral("FAIL"));
     return pass ? ExitDone : ExitFailed;
 }

@@ -1,23 +1,18 @@
 #include "tools/nvh-tool/RepairWavCommand.h"
 
-#include "nvh/engine/NVHWorker.h"
-
-#include <QFile>
+#include "nvh/engine/WavHeader.h"
 
 namespace {
 
-constexpr int kHeaderSize = 44;
-
-// Why the file must not be touched: the repair writes at fixed places, which in any other file are somebody's data.
-QString reasonToRefuse(const QString& path) {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return file.errorString();
-    const QByteArray header = file.read(kHeaderSize);
-    if (header.size() < kHeaderSize || !header.startsWith("RIFF") || header.mid(8, 8) != "WAVEfmt " ||
-        header.mid(36, 4) != "data")
+// Why the file is not whole; empty if it is now. The repair writes at fixed places, which in any other file are
+// somebody's data.
+QString reasonNotWhole(const QString& path) {
+    const WavHeader header = WavHeader::of(path);
+    if (!header.error().isEmpty())
+        return header.error();
+    if (!header.isPlain())
         return QStringLiteral("no WAV file with the plain header of 44 bytes");
-    return QString();
+    return repairUnfinishedWav(path, nullptr) ? QString() : QStringLiteral("cannot be written");
 }
 
 }  // namespace
@@ -25,18 +20,15 @@ QString reasonToRefuse(const QString& path) {
 int RepairWavCommand::run(const QCommandLineParser&, const QStringList& arguments, HostServices&) {
     if (arguments.isEmpty())
         return refuse(QStringLiteral("repair-wav: no file is named"));
-    NVHWorker worker(AppModeNvh);
-    bool allRepaired = true;
-    for (QString path : arguments) {
-        QString reason = reasonToRefuse(path);
-        if (reason.isEmpty() && !worker.fixWavHeader(path))
-            reason = QStringLiteral("cannot be written");
+    bool allWhole = true;
+    for (const QString& path : arguments) {
+        const QString reason = reasonNotWhole(path);
         if (reason.isEmpty()) {
             print(path);
         } else {
             say(QStringLiteral("%1: %2").arg(path, reason));
-            allRepaired = false;
+            allWhole = false;
         }
     }
-    return allRepaired ? ExitDone : ExitFailed;
+    return allWhole ? ExitDone : ExitFailed;
 }

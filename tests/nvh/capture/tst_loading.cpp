@@ -1,29 +1,77 @@
 // The library as a host loads it: by its path, before there is an application object.
 
+#include "tests/support/Rows.h"
+
 #include <QFile>
-#include <QTest>
 
 #include <dlfcn.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 class TestLoading : public QObject {
     Q_OBJECT
 
 private slots:
+    void cleanup() { QFile::remove("/tmp/NVHLog.txt"); }
+
     void truncatesTraceFileAtEachLoad() {
         for (int load = 0; load < 2; ++load) {
-            QFile trace("/tmp/NVHLog.txt");
-            QVERIFY(trace.open(QIODevice::WriteOnly));
-            trace.write("from before");
-            trace.close();
+            write("/tmp/NVHLog.txt", "from before");
             void* library = dlopen(NVH_LIB_DIR "/libNVH.so.1", RTLD_NOW | RTLD_LOCAL);
             QVERIFY2(library, dlerror());
-            QCOMPARE(trace.size(), 0);
+            QCOMPARE(QFile("/tmp/NVHLog.txt").size(), 0);
+            QVERIFY(!isInherited("/tmp/NVHLog.txt"));
             for (const char* symbol : {"cRmsThres", "cVdtStaticURL", "allFilenames", "NVHAppVersion", "testTypesVsTags",
                                        "nvhLogFile", "loggerRunning", "_ZN9NVHWorker16staticMetaObjectE"})
                 QVERIFY2(dlsym(library, symbol), symbol);
             QVERIFY(!dlsym(library, "cLogVerbose"));
             QCOMPARE(dlclose(library), 0);
         }
+    }
+
+    void leavesAloneWhatIsNotItsTraceFile_data() {
+        columns<QString>("kind");
+        for (const char* kind : {"link", "second name", "FIFO", "directory"})
+            row(kind, QString(kind));
+    }
+
+    void leavesAloneWhatIsNotItsTraceFile() {
+        QFETCH(QString, kind);
+        const char* name = "/tmp/NVHLog.txt";
+        write("/tmp/precious", "precious");
+        if (kind == "link")
+            QCOMPARE(::symlink("/tmp/precious", name), 0);
+        else if (kind == "second name")
+            QCOMPARE(::link("/tmp/precious", name), 0);
+        else if (kind == "FIFO")
+            QCOMPARE(::mkfifo(name, 0600), 0);
+        else
+            QCOMPARE(::mkdir(name, 0700), 0);
+        void* library = dlopen(NVH_LIB_DIR "/libNVH.so.1", RTLD_NOW | RTLD_LOCAL);
+        QVERIFY2(library, dlerror());
+        QCOMPARE(dlclose(library), 0);
+        QFile precious("/tmp/precious");
+        QVERIFY(precious.open(QIODevice::ReadOnly));
+        QCOMPARE(precious.readAll(), QByteArray("precious"));
+        ::rmdir(name);
+    }
+
+private:
+    static void write(const char* path, const QByteArray& content) {
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        QCOMPARE(file.write(content), content.size());
+    }
+    // Whether a program that this process started now would have the file.
+    static bool isInherited(const QByteArray& path) {
+        for (int descriptor = 3; descriptor < 256; ++descriptor) {
+            const QByteArray link = "/proc/self/fd/" + QByteArray::number(descriptor);
+            const int flags = ::fcntl(descriptor, F_GETFD);
+            if (flags >= 0 && QFile::symLinkTarget(link).toUtf8() == path)
+                return !(flags & FD_CLOEXEC);
+        }
+        return true;  // not open at all
     }
 };
 

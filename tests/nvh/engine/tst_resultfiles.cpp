@@ -120,9 +120,11 @@ private slots:
             "TPMS RL: 3\nTPMS RR: 2.12346\nCurrent Latitude: 48.1372\nCurrent Longitude: -115.754\n");
         QCOMPARE(mJournal->entries(), QStringList("INFO Creating DataValues File "));
 
-        configure("nvh/datavalues_file_name", "/dev/full");
-        mWorker.createDataValuesFile();
-        QVERIFY(mJournal->has("ERROR Unable to Write to File /dev/full   28 No space left on device "));
+        {
+            const FullDisk full;
+            mWorker.createDataValuesFile();
+        }
+        QVERIFY(mJournal->has("ERROR Unable to Write to File /tmp/nvh-datavalues.txt   27 File too large "));
         configure("nvh/datavalues_file_name", "/tmp/none/file");
         mWorker.createDataValuesFile();
         QVERIFY(mJournal->has("ERROR Unable to Create /tmp/none/file "));

@@ -4,6 +4,13 @@
 #include "tests/support/MachineTest.h"
 #include "tests/support/Rows.h"
 
+#include <QDir>
+#include <QProcess>
+#include <QRegularExpression>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
 namespace {
 
 const QString kPackage = QStringLiteral("/tmp/TEST1VEHICLE00001-1.tgz");
@@ -14,9 +21,20 @@ struct SavingManager : NvhPackageManager {
     explicit SavingManager(Journal& journal) {
         journal.watch(this);
         setSaveOnlyState(true);
+        onOutcome(this, [this](const PackageOutcome& outcome) { last = outcome; });
     }
     void pack(QString package, QStringList files) { startPackageManagerProcess(package, files); }
+
+    PackageOutcome last;
 };
+
+// Waits with its end until it is told.
+const QByteArray kSlowGzip = "/bin/gzip \"$@\"; while [ ! -e /tmp/recorder-may-end ]; do sleep 0.01; done";
+
+int modeOf(const QString& file) {
+    struct stat status {};
+    return ::stat(qPrintable(file), &status) == 0 ? int(status.st_mode & 07777) : -1;
+}
 
 }  // namespace
 
@@ -39,7 +57,7 @@ private slots:
             QVERIFY2(!QFileInfo::exists(file), file);
         QCOMPARE(mJournal->withPrefix("ERROR"), QStringList());
         QCOMPARE(mJournal->count("> fileSaved"), 2);
-        QCOMPARE(manager.rescueFolder() + manager.packageName(), kNext);
+        QCOMPARE(manager.last.rescueFolder + manager.packageName(), kNext);
         QVERIFY(!QFileInfo::exists("/tmp/TEST1VEHICLE00001-1.rescue"));
     }
 
@@ -52,19 +70,115 @@ private slots:
                               "> packagingStart", "INFO Saving to " + kPackage + " ", "INFO tarcmd:  [tar -cvf -] ",
                               "INFO Skipping Upload..! ", "> fileSaved"}));
         QVERIFY(QFileInfo::exists(kPackage));
+        QVERIFY(manager.last.what == PackageOutcome::What::NothingToPack && !manager.last.isGood());
+    }
+
+    void namesArchiveWhenItIsWhole_data() {
+        columns<bool>("destroyed");
+        row("left alone", false);
+        row("destroyed meanwhile", true);
+    }
+
+    void namesArchiveWhenItIsWhole() {
+        QFETCH(bool, destroyed);
+        replaceProgram("gzip", kSlowGzip);
+        writeFile("/tmp/notes.wav", "notes");
+        const QString part = kPackage + ".part";
+        {
+            SavingManager manager(*mJournal);
+            manager.pack(kPackage, {"/tmp/notes.wav"});
+            QTRY_VERIFY(QFileInfo(part).size() > 100);
+            QCOMPARE(modeOf(part), 0600);
+            QCOMPARE(manager.countSavedFiles(), 0);
+            QVERIFY(manager.isPackaging("/tmp/notes.wav") && QFileInfo::exists("/tmp/notes.wav"));
+            if (!destroyed) {
+                writeFile("/tmp/recorder-may-end", QByteArray());
+                QVERIFY(waitFor("> fileSaved"));
+                QVERIFY(!manager.isPackaging() && manager.last.isGood());
+                QCOMPARE(modeOf(kPackage), 0600);
+            }
+        }
+        QCOMPARE(archiveMember(kPackage, "tmp/notes.wav"), QByteArray(destroyed ? "" : "notes"));
+        QCOMPARE(QFileInfo::exists("/tmp/notes.wav"), destroyed);
+        QCOMPARE(QDir("/tmp").entryList({"TEST1*"}).size(), destroyed ? 0 : 1);
+    }
+
+    void rescuesFilesOfArchiveWithoutName_data() {
+        columns<QString, QString>("obstacle", "words");
+        row("a folder has its name", "folder", kPackage + ": Is a directory");
+        row("a link lies in its way", "link", kPackage + ".part: Too many levels of symbolic links");
+    }
+
+    void rescuesFilesOfArchiveWithoutName() {
+        QFETCH(QString, obstacle);
+        writeFile("/tmp/recorder-other", "somebody's");
+        if (obstacle == "folder")
+            QVERIFY(QDir().mkdir(kPackage));
+        else
+            QCOMPARE(::symlink("/tmp/recorder-other", qPrintable(kPackage + ".part")), 0);
+        writeFile("/tmp/notes.wav", "notes");
+        SavingManager manager(*mJournal);
+        manager.pack(kPackage, {"/tmp/notes.wav"});
+        QVERIFY(waitFor("> packageManagerFailure"));
+        QTRY_VERIFY(!manager.isPackaging());
+        QVERIFY(!mJournal->has("> fileSaved") && manager.last.what == PackageOutcome::What::Incomplete);
+        QTEST(manager.last.words, "words");
+        QCOMPARE(readFile(manager.last.rescueFolder + "/notes.wav"), QByteArray("notes"));
+        QCOMPARE(readFile("/tmp/recorder-other"), QByteArray("somebody's"));
+        QVERIFY(!QFileInfo(kPackage).isFile());
+        QCOMPARE(QFileInfo::exists(kPackage + ".part"), obstacle == "link");
+    }
+
+    void leavesFilesWhereDiskIsFull() {
+        QCOMPARE(QProcess::execute("mount", {"-t", "tmpfs", "-o", "size=16k", "tmpfs", "/tmp/capture"}), 0);
+        QByteArray noise;
+        for (quint32 seed = 1; noise.size() < 200000; seed = seed * 1664525 + 1013904223)
+            noise += char(seed >> 24);
+        writeFile("/tmp/recording.wav", noise);
+        SavingManager manager(*mJournal);
+        manager.pack("/tmp/capture/TEST1VEHICLE00001-1.tgz", {"/tmp/recording.wav"});
+        QTRY_VERIFY(!manager.isPackaging());
+        const QStringList left = QDir("/tmp/capture").entryList(QDir::Dirs | QDir::NoDotAndDotDot);
+        QCOMPARE(QProcess::execute("umount", {"/tmp/capture"}), 0);
+        QCOMPARE(left, QStringList());
+        QCOMPARE(manager.last.rescueFolder + ' ' + manager.last.program, "/tmp gzip");
+        QVERIFY2(manager.last.words.contains("No space left on device"), qPrintable(manager.last.words));
+        QCOMPARE(readFile("/tmp/recording.wav"), noise);
+    }
+
+    void packsOwnPlainFilesAlone() {
+        writeFile("/tmp/recording.wav", "own");
+        writeFile("/tmp/notes.wav", "another user's");
+        writeFile("/tmp/nvh-wheelspeeds.txt", "another user's");
+        for (const char* file : {"/tmp/notes.wav", "/tmp/nvh-wheelspeeds.txt"})
+            QCOMPARE(::chown(file, 65534, 65534), 0);
+        QCOMPARE(::symlink("/etc/passwd", "/tmp/ambient.wav"), 0);
+        QCOMPARE(::mkfifo("/tmp/nvh-rpm.txt", 0600), 0);
+        SavingManager manager(*mJournal);
+        manager.pack(kPackage, {"/tmp/recording.wav", "/tmp/ambient.wav", "/tmp/notes.wav", "/tmp/nvh-rpm.txt",
+                                "/tmp/nvh-wheelspeeds.txt"});
+        QVERIFY(waitFor("> fileSaved"));
+        QCOMPARE(archiveMembers(kPackage), QStringList({"tmp/recording.wav", "tmp/nvh-wheelspeeds.txt"}));
+        QCOMPARE(mJournal->withPrefix("ERROR Not Packed: /tmp/").size(), 3);
+        QCOMPARE(mJournal->withPrefix("ERROR").size(), 3);
+        for (const char* file : {"/tmp/notes.wav", "/tmp/ambient.wav", "/tmp/nvh-rpm.txt"})
+            QVERIFY2(QFileInfo::exists(file), file);
     }
 
     void keepsFilesOfBadArchive_data() {
-        columns<QString, QByteArray, QString, int>("program", "script", "archive", "failures");
-        row("tar fails", "tar", QByteArray("/bin/tar \"$@\"; exit 2"), kPackage, 0);
-        row("tar packs nothing", "tar", QByteArray("head -c 10240 /dev/zero"), kPackage, 0);
-        row("tar crashes", "tar", QByteArray("kill -9 $$"), kPackage, 1);
-        row("tar absent", "tar", QByteArray(), kPackage, 1);
-        row("gzip fails", "gzip", QByteArray("/bin/gzip \"$@\"; exit 1"), kPackage, 0);
-        row("gzip crashes", "gzip", QByteArray("kill -9 $$"), kPackage, 2);
-        row("gzip absent", "gzip", QByteArray(), kPackage, 2);
-        row("blank in a name", QString(), QByteArray(), kPackage, 0);
-        row("no place for the archive", QString(), QByteArray(), "/proc/none/x.tgz", 1);
+        columns<QString, QByteArray, QString, int, QString>("program", "script", "archive", "failures", "words");
+        const QString gone = "tar tar: /tmp/nvh-gone.txt: Cannot stat: No such file or directory";
+        row("tar fails", "tar", QByteArray("/bin/tar \"$@\"; exit 2"), kPackage, 0, gone);
+        row("tar packs nothing", "tar", QByteArray("head -c 10240 /dev/zero"), kPackage, 0, QString("tar "));
+        row("tar crashes", "tar", QByteArray("echo ./tar: oh >&2; kill -9 $$"), kPackage, 1, QString("tar ./tar: oh"));
+        row("tar absent", "tar", QByteArray(), kPackage, 1, QString("tar "));
+        row("gzip fails", "gzip", QByteArray("/bin/gzip \"$@\"; echo gzip oh >&2; exit 1"), kPackage, 0,
+            QString("gzip gzip oh"));
+        row("gzip crashes", "gzip", QByteArray("kill -9 $$"), kPackage, 2, QString("gzip "));
+        row("gzip absent", "gzip", QByteArray(), kPackage, 2, QString("gzip "));
+        row("blank in a name", QString(), QByteArray(), kPackage, 0, gone);
+        row("no place for the archive", QString(), QByteArray(), "/proc/none/x.tgz", 1,
+            QString(" /proc/none/x.tgz.part: No such file or directory"));
     }
 
     void keepsFilesOfBadArchive() {
@@ -86,7 +200,9 @@ private slots:
         // Where no folder can be made beside the archive, they stay where they are.
         const bool stay = archive != kPackage;
         const QString folder = stay ? "/tmp" : "/tmp/TEST1VEHICLE00001-1.rescue";
-        QCOMPARE(manager.rescueFolder(), folder);
+        QCOMPARE(manager.last.rescueFolder, folder);
+        const QString said = QString(manager.last.words).remove(QRegularExpression("^/.*bin/"));
+        QTEST(manager.last.program + ' ' + said, "words");
         QVERIFY(readFile(folder + "/recording.wav") == sound);
         QCOMPARE(readFile(folder + "/" + other), QByteArray("other"));
         QCOMPARE(QFileInfo::exists("/tmp/recording.wav"), stay);
