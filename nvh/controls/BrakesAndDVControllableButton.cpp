@@ -1,14 +1,15 @@
 #include "nvh/controls/BrakesAndDVControllableButton.h"
 
+#include "nvh/vehicle/VehicleSignals.h"
+
 #include <HelixDash/services/Logger.h>
-#include <HelixDash/values/DataValueManager.h>
 
 #include <utility>
 
 namespace {
 
 BoolDataValue* brakePedal() {
-    return DataValueManager::instance().find<BoolDataValue>("VAPI_brakePedal");
+    return VehicleSignals::kBrakePedal.find();
 }
 
 }  // namespace

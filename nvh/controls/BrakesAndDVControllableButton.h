@@ -15,13 +15,16 @@
 class NVH_EXPORT BrakesAndDVControllableButton : public DVControllableWidget<BoolDataValue, ButtonView> {
     Q_OBJECT
 public:
+    // The value works it too, see DVControllableWidget; null where the vehicle does not have it.
     BrakesAndDVControllableButton(BoolDataValue* value, const QString& label, DisplayView* parent);
 
-    // Must be set before the brakes' control is enabled.
+    // The pedal counts only while that is false. Must be set before the brakes' control is enabled.
     void ignoreBrakesWhen(std::function<bool()> predicate);
+    // The driver's switch: whether the pedal works the button; not at first.
     void enableBrakesControl();
     void disableBrakesControl();
 
+    // The framework's word that the button has been enabled or disabled: the pedal is watched or not.
     void enabled() override;
     void disabled() override;
 
@@ -30,6 +33,7 @@ signals:
     void brakeEvent();
 
 public slots:
+    // Touches and releases the button if the pedal is pressed. Blocks as long as the button's action does.
     void operatedByBrakes();
 
 private:

@@ -14,11 +14,14 @@ public:
     // Owns neither; the widget holds this object. A null value never changes.
     DVConnection(DataValue* value, DVControllable& widget);
 
+    // What it was made with.
     DataValue* value() const { return mValue; }
+    // Called by the widget, in turns.
     void connectValue();
     void disconnectValue();
 
 public slots:
+    // The value has changed: tells the widget.
     void dvChanged();
 
 private:

@@ -3,6 +3,7 @@
 // A widget that can also be worked by a vehicle data value, whatever its kind.
 class DVControllable {
 public:
+    // The widget goes as whatever else it is.
     virtual ~DVControllable() = default;
 
     // Switches the control by the value on and off; off at first.

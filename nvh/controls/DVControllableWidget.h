@@ -1,5 +1,15 @@
 #pragma once
 
+#include "nvh/controls/DVConnection.h"
+#include "nvh/controls/DVControllable.h"
+#include "nvh/controls/DVSliderChange.h"
+
+#include <HelixDash/values/TypedDataValues.h>
+#include <HelixDash/views/ButtonView.h>
+
+#include <type_traits>
+#include <utility>
+
 // A button or switch that a vehicle data value works as a finger does.
 //
 //     auto* start = new DVControllableWidget<BoolDataValue, ButtonView>(middleButton, "Start", this);
@@ -14,17 +24,6 @@
 // handleDVChangeSliders() says.
 //
 // UI thread.
-
-#include "nvh/controls/DVConnection.h"
-#include "nvh/controls/DVControllable.h"
-#include "nvh/controls/DVSliderChange.h"
-
-#include <HelixDash/values/TypedDataValues.h>
-#include <HelixDash/views/ButtonView.h>
-
-#include <type_traits>
-#include <utility>
-
 template <typename DV, typename Widget>
 class DVControllableWidget : public Widget, public DVControllable {
 public:
@@ -36,40 +35,47 @@ public:
           mShown(Widget::isVisible()),
           mEnabled(Widget::isEnabled()) {}
 
+    // The framework's word that the widget has been shown: the value counts if the rest is given.
     void shown() override {
         Widget::shown();
         mShown = true;
         updateConnection();
     }
 
+    // That it has been hidden: the value counts no longer.
     void hidden() override {
         Widget::hidden();
         mShown = false;
         disconnectValue();
     }
 
+    // That it has been enabled: as shown().
     void enabled() override {
         Widget::enabled();
         mEnabled = true;
         updateConnection();
     }
 
+    // That it has been disabled: as hidden().
     void disabled() override {
         Widget::disabled();
         mEnabled = false;
         disconnectValue();
     }
 
+    // Switches the control on: called by the widget's owner when it has the steering wheel. Twice is once.
     void enableDVControl() override {
         mControlEnabled = true;
         updateConnection();
     }
 
+    // Switches it off. A press by the value that is under way fires nothing any more.
     void disableDVControl() override {
         mControlEnabled = false;
         disconnectValue();
     }
 
+    // The value has changed while it counts. Blocks as long as the button's action does.
     void handleDVChange() override {
         auto& value = static_cast<DV&>(*mConnection.value());
         if constexpr (std::is_base_of_v<ButtonView, Widget>)

@@ -1,16 +1,8 @@
 #include "nvh/controls/NVHModeHandler.h"
 
-#include <HelixDash/values/DataValueManager.h>
+#include "nvh/vehicle/VehicleSignals.h"
 
 namespace {
-
-IntDataValue* controlsMode() {
-    return DataValueManager::instance().find<IntDataValue>("GUI_steeringWheelControlsMode");
-}
-
-IntDataValue* leftScroll() {
-    return DataValueManager::instance().find<IntDataValue>("STW_leftScroll");
-}
 
 void set(IntDataValue* value, int to) {
     const DataValue::EventLocker locker(value);
@@ -25,7 +17,7 @@ std::optional<qint32> current(const IntDataValue* value) {
 }  // namespace
 
 NVHModeHandler::NVHModeHandler(STWControlsUser& view) : mView(view) {
-    dvConnect(controlsMode(), this, &NVHModeHandler::GUI_steeringWheelControlsModeChanged);
+    dvConnect(VehicleSignals::kWheelOwner.find(), this, &NVHModeHandler::GUI_steeringWheelControlsModeChanged);
     acquire();
 }
 
@@ -34,16 +26,16 @@ NVHModeHandler::~NVHModeHandler() {
 }
 
 void NVHModeHandler::acquire() {
-    IntDataValue* mode = controlsMode();
+    IntDataValue* mode = VehicleSignals::kWheelOwner.find();
     if (!mode || current(mode) == kOwnMode)
         return;
     set(mode, kOwnMode);
-    mSavedScroll = current(leftScroll());
+    mSavedScroll = current(VehicleSignals::kWheelScroll.find());
     mView.stwControlsAcquired();
 }
 
 void NVHModeHandler::yield() {
-    IntDataValue* mode = controlsMode();
+    IntDataValue* mode = VehicleSignals::kWheelOwner.find();
     if (current(mode) != kOwnMode)
         return;
     mYielding = true;
@@ -51,7 +43,7 @@ void NVHModeHandler::yield() {
     // The widgets let go of the wheel before its counter is put back, or that would move the test type.
     mView.stwControlsYielded();
     if (mSavedScroll)
-        set(leftScroll(), *mSavedScroll);
+        set(VehicleSignals::kWheelScroll.find(), *mSavedScroll);
     mSavedScroll.reset();
 }
 

@@ -19,6 +19,7 @@ class DataValue;
 class NVH_EXPORT NVHModeHandler : public QObject {
     Q_OBJECT
 public:
+    // What GUI_steeringWheelControlsMode says.
     static constexpr int kOwnMode = 6;
     static constexpr int kGivenBack = 0;
 
@@ -27,10 +28,13 @@ public:
     // Gives them back.
     ~NVHModeHandler() override;
 
+    // Takes the controls if they are not the recorder's, when the screen is shown or the driver resumes.
     void acquire();
+    // Gives them back if they are, when the screen is hidden.
     void yield();
 
 public slots:
+    // The mode has changed: tells the user if the controls have been taken from it.
     void GUI_steeringWheelControlsModeChanged(DataValue* value);
 
 private:

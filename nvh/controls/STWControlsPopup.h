@@ -8,5 +8,6 @@
 class NVH_EXPORT STWControlsPopup : public PopupView {
     Q_OBJECT
 public:
+    // Shows at once in that view.
     explicit STWControlsPopup(DisplayView* parent);
 };

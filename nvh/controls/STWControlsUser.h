@@ -3,6 +3,7 @@
 // Who is told what becomes of the steering-wheel controls that an NVHModeHandler takes for it.
 class STWControlsUser {
 public:
+    // Never deleted as such.
     virtual ~STWControlsUser() = default;
 
     // The controls have been taken.

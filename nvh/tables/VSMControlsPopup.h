@@ -8,5 +8,6 @@
 class NVH_EXPORT VSMControlsPopup : public PopupView {
     Q_OBJECT
 public:
+    // Shows at once in that view.
     explicit VSMControlsPopup(DisplayView* parent);
 };

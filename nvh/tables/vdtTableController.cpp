@@ -1,13 +1,14 @@
 #include "nvh/tables/vdtTableController.h"
 
 #include "nvh/engine/Settings.h"
+#include "nvh/files/OwnFile.h"
 #include "nvh/tables/vdtTestCell.h"
 
 #include <HelixDash/json/KJson.h>
 #include <HelixDash/tables/TableView.h>
 
-#include <QFile>
-
+#include <cerrno>
+#include <cstring>
 #include <utility>
 
 namespace {
@@ -17,6 +18,10 @@ const QString kCellKey = QStringLiteral("cellKey");
 const QString kName = QStringLiteral("Name");
 const QString kValue = QStringLiteral("Value");
 
+QVariantMap entry(const QString& name, const QString& mark) {
+    return {{kName, name}, {kValue, mark}};
+}
+
 }  // namespace
 
 vdtTableController::vdtTableController(QVariantMap tests, QObject* parent)
@@ -25,15 +30,31 @@ vdtTableController::vdtTableController(QVariantMap tests, QObject* parent)
 void vdtTableController::rememberMarks() {
     for (const auto& cell : mCells) {
         if (cell)
-            mMarks.insert(QString::number(cell->row()), QVariantMap{{kName, cell->name()}, {kValue, cell->mark()}});
+            mMarks.insert(cell->row(), {cell->name(), cell->mark()});
     }
 }
 
 void vdtTableController::collectVdtResults() {
     rememberMarks();
-    QFile file(cVdtStaticFilename.value());
-    if (file.open(QIODevice::WriteOnly | QIODevice::Truncate))
-        file.write(KJson::Serializer::serialize(mMarks));
+    QVariantMap results;
+    for (int row = 0; row < int(mTests.size()); ++row) {
+        if (!mMarks.contains(row))
+            results.insert(QString::number(row), entry(nameOf(row), vdtTestCell::untouchedMark()));
+    }
+    for (auto mark = mMarks.cbegin(); mark != mMarks.cend(); ++mark)
+        results.insert(QString::number(mark.key()), entry(mark->name, mark->mark));
+    const QString file = cVdtStaticFilename.value();
+    mWhyNoMarks.clear();
+    if (writeOwnFile(file, KJson::Serializer::serialize(results)))
+        return;
+    const QString reason = QString::fromLocal8Bit(std::strerror(errno));
+    mWhyNoMarks = whyNotOwn(file);
+    if (mWhyNoMarks.isEmpty())
+        mWhyNoMarks = QStringLiteral("%1: %2").arg(file, reason);
+}
+
+QString vdtTableController::nameOf(int row) const {
+    return mTests.value(QString::number(row)).toMap().value(kName).toString();
 }
 
 int vdtTableController::itemHeight(TableView*, const TableModelIndex&) {
@@ -52,10 +73,8 @@ void vdtTableController::itemSelected(TableView*, const TableModelIndex&) {}
 
 TableCell* vdtTableController::createCellForItem(TableView* table, TableModelIndex const& index) {
     auto* cell = static_cast<vdtTestCell*>(table->dequeUnusedCell(kCellKey));
-    if (!cell) {
-        const QVariantMap test = mTests.value(QString::number(index.row)).toMap();
-        cell = new vdtTestCell(table, kCellKey, index.row, test.value(kName).toString());
-    }
+    if (!cell)
+        cell = new vdtTestCell(table, kCellKey, index.row, nameOf(index.row));
     mCells.emplace_back(cell);
     return cell;
 }

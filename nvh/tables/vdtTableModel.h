@@ -8,8 +8,10 @@
 class NVH_EXPORT vdtTableModel : public TableModel {
     Q_OBJECT
 public:
+    // With that many rows for good.
     explicit vdtTableModel(int rowCount, QObject* parent = nullptr);
 
+    // What the table asks for.
     int sectionCount() const override { return 1; }
     int sectionItemCount(int section) const override;
     QString sectionTitle(int section) const override;

@@ -39,5 +39,9 @@ QString vdtTestCell::name() const {
 }
 
 QString vdtTestCell::mark() const {
-    return mMarkSwitch ? mMarkSwitch->labelAt(mMarkSwitch->position()) : kMarks.first();
+    return mMarkSwitch ? mMarkSwitch->labelAt(mMarkSwitch->position()) : untouchedMark();
+}
+
+QString vdtTestCell::untouchedMark() {
+    return kMarks.first();
 }

@@ -20,20 +20,25 @@ class LabelView;
 class NVH_EXPORT vsmTableCell : public TableCell {
     Q_OBJECT
 public:
+    // Made by the table's controller, from the conditions' file; evaluated at once.
     vsmTableCell(TableView* table, QString const& key, int row, QString name, QMap<QString, QVariant> dataValues,
                  QMap<QString, QVariant> overrideDataValues);
 
+    // The status of such a set of data values by itself.
     QString checkDataValues(QMap<QString, QVariant> dataValues);
 
     // Shows it at the next update.
     void setAutoControl(bool on) { mAutoControl = on; }
+    // What it was made with.
     int row() const { return mRow; }
     // False while the vehicle does not have one of the data values.
     bool knowsAllDataValues() const { return mFollowsAll; }
 
+    // Lays both labels out for the cell's size.
     void populate() override;
 
 public slots:
+    // Evaluates the condition and shows the status: on every change of its data values, and by the controller.
     void updateVSMTableCell();
 
 private:

@@ -17,14 +17,17 @@ class vsmTableCell;
 class NVH_EXPORT vsmTableController : public TableController {
     Q_OBJECT
 public:
+    // As the file says.
     explicit vsmTableController(QVariantMap conditions, QObject* parent = nullptr);
 
-    // Evaluates every row again.
+    // Evaluates every row again: whenever the screen is shown, and twice a second while a row waits for a data value
+    // that does not exist yet.
     void updateVSMTable();
-    // The audio and the climate condition, which are the first two rows, show "AUTO" from now on, or their status
-    // again. Does nothing with fewer than two rows.
+    // The driver's switch: the audio and the climate condition, which are the first two rows, show "AUTO" from now on,
+    // or their status again. Does nothing with fewer than two rows.
     void toggleCellAutoControl(bool on);
 
+    // What the table asks for. Rows are cells of this class's own, all of one height, and a touch on one does nothing.
     bool createsCells() const override { return true; }
     int itemHeight(TableView* table, const TableModelIndex& index) override;
     TableRenderer* rendererForIndex(TableView* table, const TableModelIndex& index) override;

@@ -1,15 +1,15 @@
-// One recording: what may be touched in each state, start and stop, the clock, the verdict.
+// One recording: start and stop, the clock, the verdict; and the side recordings.
 
 #include "nvh/controls/BrakesAndDVControllableButton.h"
 #include "nvh/controls/VertSlideSwitch.h"
 #include "nvh/ui/NVHAppView.h"
+#include "nvh/ui/RunClock.h"
+#include "nvh/ui/Screen.h"
+#include "nvh/ui/SideClips.h"
+#include "nvh/vehicle/VehicleSignals.h"
 
 #include <HelixDash/services/Logger.h>
-#include <HelixDash/values/DataValueManager.h>
 #include <HelixDash/views/DropDownPicker.h>
-#include <HelixDash/views/LabelView.h>
-
-#include <initializer_list>
 
 namespace {
 
@@ -17,99 +17,16 @@ constexpr int kLongestRecordingSecs = 700;
 constexpr int kClockMs = 1000;
 constexpr int kRpmMs = 500;
 
-BoolDataValue* brakePedal() {
-    return DataValueManager::instance().find<BoolDataValue>("VAPI_brakePedal");
-}
-
 double vehicleSpeed() {
-    const auto* speed = DataValueManager::instance().find<RealDataValue>("VAPI_signedVehicleSpeed");
-    const DataValue::StateLocker locker(speed);
-    return speed ? speed->value() : 0.0;
-}
-
-// Null for what the mode does not have.
-void enableAll(std::initializer_list<DisplayView*> views, bool on) {
-    for (DisplayView* view : views) {
-        if (view)
-            view->enable(on);
-    }
+    return VehicleSignals::kSpeed.valueOr(0.0);
 }
 
 }  // namespace
 
-void NVHAppView::EnableStartStopButton(ButtonView* which) {
-    for (ButtonView* button : {mStartButton, static_cast<ButtonView*>(mStopButton)}) {
-        button->enable(button == which);
-        button->show(button == which);
-    }
-}
-
-void NVHAppView::setSliders(bool on) {
-    enableAll({mTestTypeSwitch, mDurationSwitch, mClunkButton, mMicChannelPicker, mFreqResPicker}, on);
-}
-
-void NVHAppView::disableAllInteractions() {
-    enableAll({mAmbientButton, mNotesButton, mStartButton, mStopButton, mUploadButton, mDiscardButton, mSaveButton,
-               mUploadAllButton, mReloadVdtButton, mClearFeedbackButton},
-              false);
-    setSliders(false);
-}
-
-void NVHAppView::initState() {
-    EnableStartStopButton(mStartButton);
-    enableAll({mUploadAllButton, mReloadVdtButton, mClearFeedbackButton}, true);
-    setSliders(true);
-    enableAll({mStopButton, mUploadButton, mDiscardButton, mSaveButton}, false);
-    for (LabelView* label : {mUploadStatusLabel, mTestTypeCaption, mDurationCaption, mTimeLabel, mRpmCaption, mRpmLabel,
-                             mMicChannelCaption, mFreqResCaption, mVdtCaption}) {
-        if (label)
-            label->setSkinColor("black");
-    }
-    setLabel(mCanAlertLabel, "-", "battery/red");
-    mMotorRpm = quint32(mWorker.getMotorRPM());
-    updateAdditionalButtons();
-}
-
-void NVHAppView::stateTwo() {
-    EnableStartStopButton(mStopButton);
-    enableAll(
-        {mAmbientButton, mNotesButton, mStartButton, mUploadButton, mDiscardButton, mSaveButton, mUploadAllButton},
-        false);
-    setSliders(false);
-}
-
-void NVHAppView::stateThree() {
-    updateAdditionalButtons();
-    enableAll({mUploadButton, mSaveButton, mDiscardButton}, true);
-    enableAll({mStartButton, mStopButton, mUploadAllButton}, false);
-    setSliders(false);
-}
-
-void NVHAppView::updateAdditionalButtons() {
-    logSlot(__func__);
-    const NvhPackageManager& packages = mWorker.packageManager();
-    const bool ambientExists = packages.ambientSoundRecordingExists();
-    const bool notesExist = packages.notesRecordingExists();
-    const bool recordingExists = packages.soundRecordingExists();
-    const auto showSideRecording = [](ButtonView* button, bool exists, const char* saved, const char* record) {
-        if (!button)
-            return;
-        button->setButtonColor(exists ? ButtonView::Saved : ButtonView::Normal);
-        button->setLabel(QString::fromLatin1(exists ? saved : record));
-    };
-    showSideRecording(mAmbientButton, ambientExists, "Ambient Saved", "Record Ambient");
-    showSideRecording(mNotesButton, notesExist, "Notes Saved", "Record Notes");
-    if (recordingExists)
-        enableAll({mUploadButton, mSaveButton}, true);
-    enableAll({mNotesButton, mAmbientButton}, true);
-    if (ambientExists || notesExist || recordingExists)
-        mDiscardButton->enable(true);
-}
-
 QString NVHAppView::getTestType() const {
     if (mMode == AppModeService)
         return QStringLiteral("Service");
-    return mTestTypeSwitch->labelAt(mTestTypeSwitch->position());
+    return mScreen->mTestTypeSwitch->labelAt(mScreen->mTestTypeSwitch->position());
 }
 
 bool NVHAppView::isBrakeSquealTest() const {
@@ -117,73 +34,67 @@ bool NVHAppView::isBrakeSquealTest() const {
 }
 
 int NVHAppView::getSliderDurationPos() {
-    return mDurationSwitch->position();
+    return mScreen->mDurationSwitch->position();
 }
 
 bool NVHAppView::getClunkButtonState() {
-    return mClunkButton->isOn();
+    return mScreen->mClunkButton->isOn();
 }
 
 void NVHAppView::clunkButtonToggled() {
     logSlot(__func__);
-    mClunkButton->setLabel(mClunkButton->isOn() ? QStringLiteral("Anti Torque Reversal Off")
-                                                : QStringLiteral("Anti Torque Reversal On"));
-}
-
-void NVHAppView::setStatus(const char* text, const char* color, int x) {
-    setLabel(mStatusLabel, text, color, quint16(x), quint16(mStatusLabel->top()));
+    mScreen->mClunkButton->setLabel(mScreen->mClunkButton->isOn() ? QStringLiteral("Anti Torque Reversal Off")
+                                                                  : QStringLiteral("Anti Torque Reversal On"));
 }
 
 // However long the driver has chosen, a brake squeal test lasts until it is stopped.
 void NVHAppView::makeManual() {
     mWorker.setSliderDurationPosition(0);
-    if (mDurationSwitch)
-        mDurationSwitch->setPosition(0);
+    if (mScreen->mDurationSwitch)
+        mScreen->mDurationSwitch->setPosition(0);
 }
 
 void NVHAppView::startButtonAction() {
     logSlot(__func__);
-    EnableStartStopButton(mStopButton);
+    mScreen->apply(&ControlRow::stopOnly);
     Logger(this, "INFO") << "Vehicle Speed:" << vehicleSpeed();
-    disableAllInteractions();
-    setLabel(mUploadStatusLabel, "| Files Uploaded: -", "black");
-    setStatus("Waiting for ACK ", "black", 350);
+    enter(ScreenState::Waiting);
+    mScreen->setUploadStatus(UploadStatus::NothingUploaded);
+    mScreen->setStatus(Status::WaitingForAck);
 
     mWorker.setClunkButtonState(getClunkButtonState());
     mWorker.setTestType(getTestType());
-    if (mDurationSwitch)
+    if (mScreen->mDurationSwitch)
         mWorker.setSliderDurationPosition(getSliderDurationPos());
 
     if (isBrakeSquealTest() && vehicleSpeed() > 0.0) {
         Logger(this, "INFO") << "Initializing Brake Squeal Test";
-        EnableStartStopButton(mStopButton);
+        enter(ScreenState::WaitingForBrake);
         makeManual();
-        setStatus("Waiting for Brake", "battery/red", 340);
-        mWaitingForBrake = true;
-        dvConnect(brakePedal(), this, &NVHAppView::startBrakeTestRecording, Qt::UniqueConnection);
+        mScreen->setStatus(Status::WaitingForBrake);
+        dvConnect(VehicleSignals::kBrakePedal.find(), this, &NVHAppView::startBrakeTestRecording, Qt::UniqueConnection);
         return;
     }
     if (isBrakeSquealTest()) {
         // There is nothing to squeal; what is recorded must not pass for a brake squeal test.
-        setLabel(mUploadStatusLabel, "| Manual Recording", "battery/red");
+        mScreen->setUploadStatus(UploadStatus::ManualRecording);
         makeManual();
         mWorker.setTestType(QStringLiteral("Invalid"));
     }
-    mWorker.setMicChannel(mMicChannelPicker->choice());
-    mWorker.setFreqResolution(mFreqResPicker->choice());
+    mWorker.setMicChannel(mScreen->mMicChannelPicker->choice());
+    mWorker.setFreqResolution(mScreen->mFreqResPicker->choice());
     mWorker.start();
 }
 
 void NVHAppView::startBrakeTestRecording() {
-    BoolDataValue* pedal = brakePedal();
+    BoolDataValue* pedal = VehicleSignals::kBrakePedal.find();
     {
         const DataValue::ConditionalLocker locker(pedal);
-        if (!pedal->isValid() || !pedal->value())
+        if (!pedal || !pedal->isValid() || !pedal->value())
             return;
     }
     logSlot(__func__);
     dvDisconnect(pedal, this);
-    mWaitingForBrake = false;
     mWorker.start();
 }
 
@@ -194,18 +105,18 @@ void NVHAppView::stopButtonAction() {
 
 void NVHAppView::startUpdating() {
     logSlot(__func__);
-    setStatus("Recording ", "black", 415);
-    stateTwo();
-    if (mClip != Clip::None) {
-        mClipStarted = true;
-        keepClipControls();
+    mScreen->setStatus(Status::Recording);
+    if (mState == ScreenState::Clip) {
+        mScreen->apply(&ControlRow::stateTwo);
+        mClips->recorderStarted();
         return;
     }
-    if (mDurationSwitch && getSliderDurationPos() != 0) {
-        mStopButton->enable(false);
-        mDurationTimer.start(mWorker.getDuration() * 1000, this, &NVHAppView::stopButtonAction);
+    enter(ScreenState::Recording);
+    if (mScreen->mDurationSwitch && getSliderDurationPos() != 0) {
+        mScreen->apply(&ControlRow::timed);
+        mClock->mDurationTimer.start(mWorker.getDuration() * 1000, this, &NVHAppView::stopButtonAction);
     }
-    mRecordingClock.start();
+    mClock->mRecordingClock.start();
     updateTimeCounter();
     updateMotorRPM();
 }
@@ -213,58 +124,91 @@ void NVHAppView::startUpdating() {
 void NVHAppView::updateTimeCounter() {
     if (!mWorker.isRunning())
         return;
-    const int seconds = int(double(mRecordingClock.elapsed()) / 1000.0);
+    const int seconds = int(double(mClock->mRecordingClock.elapsed()) / 1000.0);
     if (seconds >= kLongestRecordingSecs) {
         stopButtonAction();
         return;
     }
-    setLabel(mTimeLabel, qPrintable(QStringLiteral("%1 s").arg(seconds)), "battery/green");
-    mTimeCounterTimer.start(kClockMs, this, &NVHAppView::updateTimeCounter);
+    mScreen->setLabel(mScreen->mTimeLabel, qPrintable(QStringLiteral("%1 s").arg(seconds)), "battery/green");
+    mClock->mTimeCounterTimer.start(kClockMs, this, &NVHAppView::updateTimeCounter);
 }
 
 void NVHAppView::updateMotorRPM() {
     if (!mWorker.isRunning())
         return;
     const int rpm = mWorker.getMotorRPM();
-    mMotorRpm = quint32(rpm);
-    setLabel(mRpmLabel, qPrintable(QString::number(rpm)), "black");
-    mRpmTimer.start(kRpmMs, this, &NVHAppView::updateMotorRPM);
+    mClock->mMotorRpm = quint32(rpm);
+    mScreen->setLabel(mScreen->mRpmLabel, qPrintable(QString::number(rpm)), "black");
+    mClock->mRpmTimer.start(kRpmMs, this, &NVHAppView::updateMotorRPM);
 }
 
 void NVHAppView::actuallyStop() {
     logSlot(__func__);
     // However the recording ended, what was to end it must not reach into the next one.
-    mDurationTimer.stop();
-    setStatus("Recording done!", "battery/blue", 350);
-    stateThree();
+    mClock->mDurationTimer.stop();
+    mScreen->setStatus(Status::RecordingDone);
+    enter(ScreenState::Recorded);
 }
 
 void NVHAppView::resultsReady(bool pass) {
     logSlot(__func__);
     if (mResultsDiscarded) {
-        setStatus("Waiting", "black", 445);
+        mScreen->setStatus(Status::Waiting);
         return;
     }
     Logger(this, "INFO") << "Test passed:" << (pass ? "true" : "false");
-    if (pass)
-        setStatus("PASS ", "battery/green", 480);
-    else
-        setStatus("FAIL ", "battery/red", 480);
+    mScreen->setStatus(pass ? Status::Pass : Status::Fail);
 }
 
 void NVHAppView::noCanDataAlert() {
     logSlot(__func__);
-    setLabel(mCanAlertLabel, "CAN Signals Unavailable", "battery/red");
+    mScreen->setLabel(mScreen->mCanAlertLabel, "CAN Signals Unavailable", "battery/red");
 }
 
-bool NVHAppView::recordingHasControls() {
-    return mWorker.isRunning() || mWaitingForBrake || mClip != Clip::None;
+void NVHAppView::ambientNoiseButtonReleased() {
+    logSlot(__func__);
+    if (!mScreen->mAmbientButton || mClips->isUnderWay())
+        return;
+    enter(ScreenState::Clip);
+    mClips->startAmbient();
+}
+
+void NVHAppView::stopAmbientNoiseRecording() {
+    logSlot(__func__);
+    if (!mScreen->mAmbientButton)
+        return;
+    mClips->stopAmbient();
+    initState();
+    updateWhenRecorderIsGone();
+}
+
+void NVHAppView::notesRecordButtonReleased() {
+    logSlot(__func__);
+    if (!mScreen->mNotesButton || mClips->isUnderWay())
+        return;
+    enter(ScreenState::Clip);
+    mClips->startNote();
+}
+
+void NVHAppView::remindUserToStopNotes() {
+    logSlot(__func__);
+    if (mScreen->mNotesButton)
+        mClips->remindOfNote();
+}
+
+void NVHAppView::stopNotesRecording() {
+    logSlot(__func__);
+    if (!mScreen->mNotesButton)
+        return;
+    mClips->stopNote();
+    initState();
+    updateWhenRecorderIsGone();
 }
 
 void NVHAppView::brakePedalControlToggledByUser(int state) {
     logSlot(__func__);
     if (state == 1)
-        mStopButton->enableBrakesControl();
+        mScreen->mStopButton->enableBrakesControl();
     else
-        mStopButton->disableBrakesControl();
+        mScreen->mStopButton->disableBrakesControl();
 }

@@ -2,30 +2,37 @@
 
 #include "nvh/tables/vdtTableController.h"
 #include "nvh/ui/NVHAppView.h"
+#include "nvh/ui/Screen.h"
+#include "nvh/ui/TestTables.h"
 
 #include <HelixDash/services/Logger.h>
 #include <HelixDash/views/ButtonView.h>
-#include <HelixDash/views/LabelView.h>
-#include <HelixDash/views/ScrollableView.h>
 
 void NVHAppView::saveButtonReleased() {
     logSlot(__func__);
-    packResults(true, "Saving..", "battery/blue");
+    packResults(true, Status::Saving);
 }
 
 void NVHAppView::uploadButtonReleased() {
     logSlot(__func__);
-    packResults(false, "Processing ", "black");
+    packResults(false, Status::Processing);
 }
 
-void NVHAppView::packResults(bool saveOnly, const char* status, const char* color) {
+void NVHAppView::packResults(bool saveOnly, Status status) {
     mResultsDiscarded = false;
     mWorker.setSaveOnlyState(saveOnly);
     Logger(this, "INFO") << "Save Only State: " << (mWorker.getSaveOnlyState() ? "true" : "false");
-    setStatus(status, color, 410);
-    disableAllInteractions();
-    if (mVdtController)
-        mVdtController->collectVdtResults();
+    mScreen->setStatus(status);
+    enter(ScreenState::Packing);
+    if (vdtTableController* tests = mTables->vdtController()) {
+        QString whyNot = mWorker.keepFiles();
+        if (whyNot.isEmpty()) {
+            tests->collectVdtResults();
+            whyNot = tests->whyNoMarks();
+        }
+        if (!whyNot.isEmpty())
+            mWorker.addNote(QStringLiteral("No marks\n%1").arg(whyNot));
+    }
     mWorker.resultsDone();
 }
 
@@ -34,7 +41,7 @@ void NVHAppView::discardButtonReleased() {
     mResultsDiscarded = true;
     mWorker.deleteRecordedFiles();
     clearFeedbackLabel();
-    setStatus("Waiting", "black", 445);
+    mScreen->setStatus(Status::Waiting);
     initState();
 }
 
@@ -44,28 +51,26 @@ void NVHAppView::uploadSavedButtonReleased() {
         setSavedNum();
         return;
     }
-    disableAllInteractions();
-    setLabel(mUploadStatusLabel, "| Uploading..", "battery/red");
+    enter(ScreenState::UploadingAll);
+    mScreen->setUploadStatus(UploadStatus::UploadingAll);
     mWorker.packageManager().uploadAllSavedPackages();
 }
 
 void NVHAppView::setSavedNum() {
     const int saved = mWorker.packageManager().countSavedFiles();
-    mUploadAllButton->setLabel(
+    mScreen->mUploadAllButton->setLabel(
         (saved == 1 ? QStringLiteral(" Upload %1 File ") : QStringLiteral(" Upload %1 Files ")).arg(saved));
 }
 
 void NVHAppView::setUploadNum() {
     logSlot(__func__);
     const int uploaded = mWorker.getUploadSuccessNumber();
-    QString text;
     if (mWorker.getSaveOnlyState())
-        text = QStringLiteral("| File Saved!");
+        mScreen->setUploadStatus(UploadStatus::FileSaved);
     else if (uploaded < 1)
-        text = QStringLiteral("| Upload Failed: %1").arg(mWorker.packageManager().getUploadFailCount());
+        mScreen->setUploadStatus(UploadStatus::UploadFailed, mWorker.packageManager().getUploadFailCount());
     else
-        text = QStringLiteral("| Files Uploaded: %1").arg(uploaded);
-    setLabel(mUploadStatusLabel, qPrintable(text), "black");
+        mScreen->setUploadStatus(UploadStatus::FilesUploaded, uploaded);
     returnToReady();
 }
 
@@ -75,45 +80,28 @@ void NVHAppView::updateUploadAndSavedNum() {
     setSavedNum();
 }
 
-// Every outcome of an upload leads here, and only here. Uploads go on behind the driver's back while he records the
-// next run, waits for the brake or speaks a note; what he operates then, the Stop button first of all, is not theirs.
-void NVHAppView::returnToReady() {
-    if (recordingHasControls())
-        return;
-    initState();
-    updateWhenRecorderIsGone();
-}
-
-// A recorder that is still ending has not left its file yet, so that Save and Upload would stay disabled.
-void NVHAppView::updateWhenRecorderIsGone() {
-    mWorker.whenSettled(this, [this] {
-        if (mStartButton->isEnabled() && !recordingHasControls())
-            updateAdditionalButtons();
-    });
-}
-
 void NVHAppView::showPackagingStatus() {
     logSlot(__func__);
-    setLabel(mUploadStatusLabel, "| Packaging Files...", "battery/blue");
+    mScreen->setUploadStatus(UploadStatus::PackagingFiles);
 }
 
 void NVHAppView::packageFailStatus() {
     logSlot(__func__);
-    setLabel(mUploadStatusLabel, "| Packaging Failed..", "battery/blue");
+    mScreen->setUploadStatus(UploadStatus::PackagingFailed);
 }
 
 void NVHAppView::endPackagingStatus() {
     logSlot(__func__);
     if (!mWorker.getSaveOnlyState())
         return;
-    setLabel(mUploadStatusLabel, "| Files Uploaded: -", "black");
+    mScreen->setUploadStatus(UploadStatus::NothingUploaded);
     setSavedNum();
 }
 
 void NVHAppView::uploadStartStatus() {
     logSlot(__func__);
     if (!mWorker.getSaveOnlyState())
-        setLabel(mUploadStatusLabel, "| Uploading Pkg...", "battery/blue");
+        mScreen->setUploadStatus(UploadStatus::UploadingPackage);
 }
 
 void NVHAppView::uploadFinishedStatus() {
@@ -128,7 +116,7 @@ void NVHAppView::uploadFailedStatus() {
 
 void NVHAppView::metaUploadStartStatus() {
     logSlot(__func__);
-    setLabel(mUploadStatusLabel, "| Posting File Info!", "battery/blue");
+    mScreen->setUploadStatus(UploadStatus::PostingFileInfo);
 }
 
 void NVHAppView::metaUploadFinishedStatus() {
@@ -139,27 +127,24 @@ void NVHAppView::metaUploadFinishedStatus() {
 
 void NVHAppView::metaUploadFailedStatus() {
     logSlot(__func__);
-    setLabel(mUploadStatusLabel, "| Posting Failed!", "battery/black");
+    mScreen->setUploadStatus(UploadStatus::PostingFailed);
 }
 
 void NVHAppView::fatalError() {
     logSlot(__func__);
     returnToReady();
     updateUploadAndSavedNum();
-    setLabel(mUploadStatusLabel, "| Fatal Error!", "battery/red");
+    mScreen->setUploadStatus(UploadStatus::FatalError);
 }
 
 void NVHAppView::handleError(const char* errorString) {
     Logger(this, "ERROR") << errorString;
-    setLabel(mUploadStatusLabel, errorString, "battery/red");
+    mScreen->setLabel(mScreen->mUploadStatusLabel, errorString, "battery/red");
 }
 
 void NVHAppView::updateFeedbackLabel(QString response) {
     Logger(this, "INFO") << "updateFeedbackLabel" << response;
-    mFeedbackLabel->setText(QString::fromLatin1(response.toLatin1()));
-    mFeedbackLabel->setSkinColor("black");
-    fitFeedback();
-    mFeedbackArea->scrollTo(0);
+    mScreen->setFeedback(response);
 }
 
 void NVHAppView::clearFeedbackLabel() {

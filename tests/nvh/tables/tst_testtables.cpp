@@ -2,9 +2,11 @@
 
 #include "nvh/tables/vdtTableController.h"
 #include "nvh/tables/vdtTableModel.h"
+#include "nvh/tables/vdtTestCell.h"
 #include "nvh/tables/vsmTableController.h"
 #include "nvh/tables/vsmTableModel.h"
 #include "tests/support/PrivateMachine.h"
+#include "tests/support/Rows.h"
 
 #include <HelixDash/json/KJson.h>
 #include <HelixDash/services/ConfigStore.h>
@@ -15,6 +17,8 @@
 
 #include <QTemporaryDir>
 #include <QTest>
+
+#include <cstdlib>
 
 namespace {
 
@@ -57,6 +61,9 @@ private slots:
     void followsValuesThatComeLater();
     void takesFirstTwoRowsOver();
     void writesMarks();
+    void writesRowsThatAreNotThereYet();
+    void saysWhyThereAreNoMarks_data();
+    void saysWhyThereAreNoMarks();
 
 private:
     QTemporaryDir mDir;
@@ -137,6 +144,47 @@ void TestTestTables::writesMarks() {
     tests.view.cellAt(0)->findChild<SlideSwitch*>()->setPosition(1);
     tests.controller.collectVdtResults();
     QCOMPARE(written().value("0").toMap().value("Value"), QVariant("PASS"));
+    QCOMPARE(tests.controller.whyNoMarks(), QString());
+}
+
+void TestTestTables::writesRowsThatAreNotThereYet() {
+    QVariantMap tests;
+    QVariantMap marks;
+    for (int row = 0; row < 12; ++row) {
+        const QString name = QStringLiteral("Test %1").arg(row);
+        tests.insert(QString::number(row), QVariantMap{{"Name", name}});
+        marks.insert(QString::number(row), QVariantMap{{"Name", name}, {"Value", "FAIL"}});
+    }
+    vdtTableController controller(tests);
+    TableView table;
+    auto* cell = static_cast<vdtTestCell*>(controller.createCellForItem(&table, {0, 1}));
+    cell->populate();
+    cell->findChild<SlideSwitch*>()->setPosition(1);
+    marks["1"] = QVariantMap{{"Name", "Test 1"}, {"Value", "PASS"}};
+    controller.collectVdtResults();
+    QCOMPARE(parsed(readFile(mDir.filePath("marks.txt"))), marks);
+}
+
+void TestTestTables::saysWhyThereAreNoMarks_data() {
+    columns<QByteArray, QString>("how", "reason");
+    row("link", QByteArray("ln -s other marks.txt"), QString("Too many levels of symbolic links"));
+    row("FIFO", QByteArray("mkfifo marks.txt"), QString("Operation not permitted"));
+    row("directory", QByteArray("mkdir marks.txt"), QString("Is a directory"));
+}
+
+void TestTestTables::saysWhyThereAreNoMarks() {
+    QFETCH(QByteArray, how);
+    QFETCH(QString, reason);
+    QTemporaryDir dir;
+    const QString file = dir.filePath("marks.txt");
+    writeFile(dir.filePath("other"), "kept");
+    QCOMPARE(std::system(qPrintable("cd " + dir.path() + " && " + how)), 0);
+    QVERIFY(ConfigStore::instance().setValue("nvh/vdt_static_filename", file));
+    vdtTableController controller(parsed(R"({"0": {"Name": "Horn"}})"));
+    controller.collectVdtResults();
+    QVERIFY(controller.whyNoMarks().startsWith(file));
+    QCOMPARE(controller.whyNoMarks().section(": ", -1), reason);
+    QCOMPARE(readFile(dir.filePath("other")), QByteArray("kept"));
 }
 
 QTEST_MAIN(TestTestTables)

@@ -13,8 +13,12 @@
 
 #include <QDir>
 #include <QFile>
+#include <QProcess>
+#include <QRegularExpression>
 #include <QTest>
+#include <QTimer>
 
+#include <algorithm>
 #include <functional>
 
 namespace {
@@ -36,18 +40,44 @@ private slots:
     void startsBrakeSquealTest();
     void leavesControlsToRecording_data();
     void leavesControlsToRecording();
+    void keepsRecordingFromOutcomesOfOthers();
     void keepsRecordingWhoseRecorderIsStillEnding();
+    void keepsFeedbackOfFailedClip();
+    void agreesAfterAnyOrder();
     void restoresScreenAfterInterruption_data();
     void restoresScreenAfterInterruption();
+    void leavesWheelToItsOwner();
     void downloadsTests_data();
     void downloadsTests();
+    void readsLongListAside();
+    void saysHowToSeeCoveredList();
     void savesMarksWhileListIsReloaded();
+    void packsRecordingWithoutMarks();
+    void repeatsNoteThatListReplaced();
     void changesModes();
 
 private:
     void record(AppScreen& screen) {
         screen.touch("mStartButton");
         QVERIFY(recorderWrites());
+    }
+    // The flags of all views in the screen.
+    static QByteArray states(AppScreen& screen) {
+        QByteArrayList flags;
+        for (const DisplayView* child : screen.app().childViews())
+            flags.append(child->objectName().toUtf8() + (child->isVisible() ? " shown" : " hidden") +
+                         (child->isEnabled() ? " enabled" : " disabled"));
+        std::sort(flags.begin(), flags.end());
+        return flags.join('\n');
+    }
+    static void press(const char* wheelButton) {
+        setValue(wheelButton, true);
+        setValue(wheelButton, false);
+    }
+    static void takeWheel(AppScreen& screen) {
+        screen.setSwitch("mStwSwitch", "ON");
+        screen.touch("mStatusLabel");  // closes the popup
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     }
 };
 
@@ -95,7 +125,7 @@ void TestAppView::startsBrakeSquealTest() {
 
 void TestAppView::leavesControlsToRecording_data() {
     QTest::addColumn<QString>("activity");
-    for (const char* activity : {"recording", "waiting for the brake", "note"})
+    for (const char* activity : {"recording", "waiting for the brake", "note", "recorded"})
         QTest::addRow("%s", activity) << activity;
 }
 
@@ -103,9 +133,11 @@ void TestAppView::leavesControlsToRecording() {
     QFETCH(QString, activity);
     setValue("VAPI_signedVehicleSpeed", 30.0);
     AppScreen screen;
-    screen.setSwitch("mTestTypeSwitch", activity == "recording" ? "WOT" : "Brake Squeal");
-    const char* operated = activity == "note" ? "mNotesButton" : "mStopButton";
+    screen.setSwitch("mTestTypeSwitch", activity.startsWith("record") ? "WOT" : "Brake Squeal");
+    const char* operated = activity == "note" ? "mNotesButton" : activity == "recorded" ? "mSaveButton" : "mStopButton";
     screen.touch(activity == "note" ? "mNotesButton" : "mStartButton");
+    if (activity == "recorded")
+        screen.touch("mStopButton");
     const QString before = screen.text(operated) + screen.status();
     mJournal->clear();
     for (const char* signal : {"metadataUploadSuccess", "packageUploadFailure", "packageManagerFailure"}) {
@@ -119,21 +151,106 @@ void TestAppView::leavesControlsToRecording() {
     QCOMPARE(mJournal->count("INFO fatalError "), 2);
 }
 
+void TestAppView::keepsRecordingFromOutcomesOfOthers() {
+    replaceProgram("gzip", "while [ ! -e /tmp/recorder-may-end ]; do sleep 0.01; done\nexec /bin/gzip \"$@\"");
+    AppScreen screen;
+    record(screen);
+    screen.touch("mStopButton");
+    QTRY_VERIFY(QFile::exists(kRecording));
+    takeWheel(screen);
+    emit screen.packages().packageUploadFailure();
+    press("STW_leftMiddle");
+    QCOMPARE(mJournal->count("INFO startButtonAction "), 1);
+    QVERIFY(mJournal->has("INFO saveButtonReleased "));
+    QTRY_VERIFY(screen.packages().isPackaging());
+    const QByteArray before = states(screen);
+    for (const char* signal : {"metadataUploadSuccess", "fileSaved", "packageManagerFailure"}) {
+        screen.view<LabelView>("mUploadStatusLabel")->setText("before");
+        QVERIFY(QMetaObject::invokeMethod(&screen.packages(), signal));
+        QVERIFY(screen.text("mUploadStatusLabel") != "before");
+        QCOMPARE(states(screen), before);
+    }
+    QVERIFY(!screen.takesTouch("mStartButton") && !screen.takesTouch("mDiscardButton"));
+    writeFile("/tmp/recorder-may-end", "");
+    QTRY_VERIFY(screen.takesTouch("mStartButton"));
+    QCOMPARE(screen.text("mUploadStatusLabel"), QString("| File Saved!"));
+}
+
 void TestAppView::keepsRecordingWhoseRecorderIsStillEnding() {
     mMachine.reset("slow");
     AppScreen screen;
     record(screen);
     screen.touch("mStopButton");
-    // Another package's outcome makes the screen ready before there is a file to save.
-    emit screen.packages().metadataUploadSuccess();
-    QVERIFY(!screen.takesTouch("mSaveButton"));
+    // The clip's end makes the screen ready before there is a file to save.
     screen.touch("mNotesButton");
     QTRY_COMPARE(screen.text("mNotesButton"), QString("Tap when done!"));
     screen.touch("mNotesButton");
-    QVERIFY(!QFile::exists("/tmp/notes.wav"));
+    QVERIFY(!QFile::exists("/tmp/notes.wav") && !screen.takesTouch("mSaveButton"));
     writeFile("/tmp/recorder-may-end", "");
     QTRY_VERIFY(screen.takesTouch("mSaveButton"));
     QVERIFY(QFile::exists(kRecording));
+}
+
+void TestAppView::keepsFeedbackOfFailedClip() {
+    mMachine.reset("refuse");
+    configure("nvh/vdtStaticURL", "http://127.0.0.1:9/");
+    AppScreen screen;
+    QTRY_VERIFY(screen.view("mVdtTable"));
+    screen.touch("mNotesButton");
+    QTRY_COMPARE(childPrograms(), QStringList());
+    emit screen.app().engine().updateFeedbackLabel("Error with arecord\nno device");
+    screen.app().stopNotesRecording();
+    QCOMPARE(screen.text("mFeedbackLabel"), QString("Error with arecord\nno device"));
+    QCOMPARE(screen.status(), QString("Waiting black 445"));
+    QVERIFY(screen.takesTouch("mStartButton") && screen.takesTouch("mNotesButton"));
+}
+
+// Whatever has happened before, each of these leads back to the same ready screen.
+void TestAppView::agreesAfterAnyOrder() {
+    AppScreen screen;
+    QTRY_VERIFY(screen.view("mVdtTable"));
+    takeWheel(screen);
+    const auto discard = [&screen] { screen.touch("mDiscardButton"); };
+    const std::function<void()> happenings[] = {
+        [&] {
+            qputenv("NVH_RECORDER", "refuse");
+            screen.touch("mStartButton");
+            QTRY_COMPARE(screen.status(), QString("Recording done! battery/blue 350"));
+            qputenv("NVH_RECORDER", "");
+            discard();
+        },
+        [&] {
+            setValue("VAPI_signedVehicleSpeed", 30.0);
+            setValue("VAPI_brakePedal", false);
+            screen.setSwitch("mTestTypeSwitch", "Brake Squeal");
+            screen.touch("mStartButton");
+            QCOMPARE(screen.status(), QString("Waiting for Brake battery/red 340"));
+            setValue("VAPI_brakePedal", true);
+            screen.setSwitch("mTestTypeSwitch", "WOT");
+            screen.touch("mStopButton");
+            discard();
+        },
+        [&] {
+            screen.touch("mNotesButton");
+            QVERIFY(!screen.takesTouch("mStartButton"));
+            screen.app().stopNotesRecording();
+            screen.app().discardButtonReleased();
+        },
+        [&] {
+            setValue("GUI_steeringWheelControlsMode", 3);
+            QVERIFY(!screen.takesTouch("mDurationSwitch"));
+            screen.touch("mResumeButton");
+        },
+    };
+    const QByteArray ready = states(screen);
+    int order[] = {0, 1, 2, 3};
+    do {
+        for (int happening : order) {
+            happenings[happening]();
+            QCOMPARE(states(screen), ready);
+            QCOMPARE(screen.status(), QString("Waiting black 445"));
+        }
+    } while (std::next_permutation(std::begin(order), std::end(order)));
 }
 
 void TestAppView::restoresScreenAfterInterruption_data() {
@@ -148,30 +265,38 @@ void TestAppView::restoresScreenAfterInterruption() {
     QTRY_VERIFY(screen.view("mVdtTable"));
     if (recording)
         record(screen);
-    const auto states = [&screen] {
-        QByteArrayList flags;
-        for (const DisplayView* child : screen.app().childViews())
-            flags.append(child->objectName().toUtf8() + (child->isVisible() ? " shown" : " hidden") +
-                         (child->isEnabled() ? " enabled" : " disabled"));
-        std::sort(flags.begin(), flags.end());
-        return flags.join('\n');
-    };
-    screen.setSwitch("mStwSwitch", "ON");
-    screen.touch("mStatusLabel");  // closes the popup
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    const QByteArray before = states();
+    takeWheel(screen);
+    const QByteArray before = states(screen);
 
     setValue("GUI_steeringWheelControlsMode", 3);
     QVERIFY(screen.takesTouch("mResumeButton"));
-    QCOMPARE(states().count("enabled"), 1);
+    QCOMPARE(states(screen).count("enabled"), 1);
     QVERIFY(!screen.view("mStartButton")->isVisible() && !screen.view("mStopButton")->isVisible());
     QCOMPARE(screen.app().engine().isRunning(), recording);
     // Taken and lost again before the driver resumes, which must not be what he gets back.
     setValue("GUI_steeringWheelControlsMode", 6);
     setValue("GUI_steeringWheelControlsMode", 3);
     screen.touch("mResumeButton");
-    QCOMPARE(states(), before);
+    QCOMPARE(states(screen), before);
     QCOMPARE(DataValueManager::instance().find("GUI_steeringWheelControlsMode")->toString(), QString("6"));
+}
+
+void TestAppView::leavesWheelToItsOwner() {
+    AppScreen screen;
+    record(screen);
+    takeWheel(screen);
+    setValue("GUI_steeringWheelControlsMode", 3);
+    screen.app().engine().stop();
+    QTRY_VERIFY(QFile::exists(kRecording));
+    press("STW_leftBottom");
+    QVERIFY(!mJournal->has("INFO discardButtonReleased "));
+    setValue("GUI_steeringWheelControlsMode", 6);
+    screen.touch("mResumeButton");
+    press("STW_leftMiddle");
+    QVERIFY(mJournal->has("INFO stopButtonAction "));
+    // The run is over for long; an upload's outcome brings what was recorded back.
+    emit screen.packages().packageUploadFailure();
+    QVERIFY(screen.takesTouch("mStartButton") && screen.takesTouch("mDiscardButton"));
 }
 
 void TestAppView::downloadsTests_data() {
@@ -183,6 +308,11 @@ void TestAppView::downloadsTests_data() {
     QTest::addRow("refused") << QByteArray("404 Not Found") << QByteArray("{}") << 10 << false;
     QTest::addRow("no object") << QByteArray("200 OK") << QByteArray("[]") << 10 << false;
     QTest::addRow("no JSON") << QByteArray("200 OK") << QByteArray("{\"0\"") << 0 << true;
+    const QByteArray padding(100000, ' ');
+    QTest::addRow("long") << QByteArray("200 OK") << R"({"0": {"Name": "Horn"})" + padding + '}' << 1 << true;
+    QTest::addRow("long, no JSON") << QByteArray("200 OK") << "{\"0\"" + padding << 0 << true;
+    QTest::addRow("long, refused") << QByteArray("404 Not Found") << padding << 10 << false;
+    QTest::addRow("too long") << QByteArray("200 OK") << "{}" + padding.repeated(170) << 0 << true;
 }
 
 void TestAppView::downloadsTests() {
@@ -202,6 +332,54 @@ void TestAppView::downloadsTests() {
     QVERIFY(screen.takesTouch("mReloadVdtButton"));
     QCOMPARE(screen.view("mReloadVdtButton")->geometry().topLeft(), QPoint(850, 480));
     QCOMPARE(screen.view("mClearFeedbackButton")->right(), 1275);
+    const QStringList errors = mJournal->withPrefix("ERROR ");
+    QCOMPARE(int(errors.size()), screen.view<TableView>("mVdtTable")->rowCount() == 0 ? 1 : 0);
+    static const QRegularExpression reason(": (line 1: [a-z ]+|longer than 16777216 bytes) $");
+    QVERIFY(errors.isEmpty() || errors.first().contains(reason));
+    for (const QString& entry : mJournal->entries())
+        QVERIFY(entry.size() < 66000);
+    QVERIFY(screen.text("mFeedbackLabel").size() < 66000);
+}
+
+void TestAppView::readsLongListAside() {
+    QTest::failOnWarning(QRegularExpression("QProcess"));
+    ScriptedServer server;
+    server.hold();
+    server.answer({"HTTP/1.1 200 OK\r\n\r\n{\"0\": {\"Name\": \"Horn\"}" + QByteArray(100000, ' ') + '}'});
+    configure("nvh/vdtStaticURL", server.url("/vdt/static"));
+    for (const bool goes : {false, true}) {
+        AppScreen screen;
+        screen.app().downloadVdtStatic();
+        QCOMPARE(mJournal->withPrefix("INFO A download of the VDT Static tests is under way").size(), goes ? 2 : 1);
+        bool isThere = true;
+        connect(screen.app().findChild<QProcess*>(), &QProcess::finished, &screen.app(), [&] {
+            isThere = screen.view("mVdtTable");
+            if (goes)
+                QTimer::singleShot(0, &screen.wrapper(), [&screen] { screen.choose(AppModeService); });
+        });
+        QTRY_VERIFY(!server.requests().isEmpty());
+        server.release();
+        QTRY_VERIFY(!isThere);
+        QTRY_VERIFY(goes ? !screen.view("mReloadVdtButton") : screen.view("mVdtTable") != nullptr);
+        server.answer({"HTTP/1.1 200 OK\r\n\r\n{" + QByteArray(10000000, ' ') + '}'});
+    }
+}
+
+void TestAppView::saysHowToSeeCoveredList() {
+    ScriptedServer server;
+    server.hold();
+    server.answer({"HTTP/1.1 200 OK\r\n\r\n{\"0\": {\"Name\": \"Horn\"}}"});
+    configure("nvh/vdtStaticURL", server.url("/vdt/static"));
+    AppScreen screen;
+    takeWheel(screen);
+    setValue("GUI_steeringWheelControlsMode", 3);
+    QTRY_VERIFY(!server.requests().isEmpty());
+    server.release();
+    QTRY_VERIFY(screen.view("mVdtTable"));
+    screen.touch("mResumeButton");
+    QVERIFY(!screen.view("mVdtTable")->isVisible());
+    QCOMPARE(screen.text("mFeedbackLabel"),
+             QString("VDT Static was loaded while the screen was covered. Change the mode to see it."));
 }
 
 void TestAppView::savesMarksWhileListIsReloaded() {
@@ -224,6 +402,39 @@ void TestAppView::savesMarksWhileListIsReloaded() {
              QByteArray(R"({"0":{"Name":"Horn","Value":"PASS"}})"));
 }
 
+void TestAppView::packsRecordingWithoutMarks() {
+    const QString marks = QStringLiteral("/tmp/nvh-vdtStatic.txt");
+    writeFile("/tmp/recorder-somebody", "his");
+    QVERIFY(QFile::link("/tmp/recorder-somebody", marks));
+    AppScreen screen;
+    QTRY_VERIFY(screen.view("mVdtTable"));
+    record(screen);
+    screen.touch("mStopButton");
+    screen.touch("mSaveButton");
+    QTRY_COMPARE(screen.text("mUploadStatusLabel"), QString("| File Saved!"));
+    QCOMPARE(readFile("/tmp/recorder-somebody"), QByteArray("his"));
+    const QStringList packages = screen.packages().savedPackages();
+    QCOMPARE(packages.size(), 1);
+    QVERIFY(archiveMembers(packages.first()).contains("tmp/recording.wav"));
+    QVERIFY(!mJournal->withPrefix("ERROR No marks\n" + marks).isEmpty());
+    QVERIFY(screen.text("mFeedbackLabel").contains("No marks\n" + marks));
+}
+
+void TestAppView::repeatsNoteThatListReplaced() {
+    ScriptedServer server;
+    server.hold();
+    server.answer({"HTTP/1.1 200 OK\r\n\r\n{\"0\": {\"Name\": \"Horn\"}}"});
+    configure("nvh/vdtStaticURL", server.url("/vdt/static"));
+    writeFile(mMachine.kCapture, QByteArray(100, 's'));
+    AppScreen screen;
+    QTRY_COMPARE(server.requests().size(), 1);
+    record(screen);
+    server.release();
+    QTRY_VERIFY(screen.view("mVdtTable"));
+    QCOMPARE(screen.text("mFeedbackLabel"),
+             QString("A recording that was never filed is kept in\n/tmp/capture/test.rescue/test.wav"));
+}
+
 void TestAppView::changesModes() {
     setValue("VAPI_signedVehicleSpeed", 20.0);
     ScriptedServer server;
@@ -239,11 +450,24 @@ void TestAppView::changesModes() {
                 screen.setSwitch("mTestTypeSwitch", "Brake Squeal");
             screen.touch("mStartButton");
         },
+        [&screen] {
+            screen.setSwitch("mStwSwitch", "ON");
+            setValue("GUI_steeringWheelControlsMode", 3);
+        },
+        [&screen] {
+            screen.touch("mStartButton");
+            screen.app().engine().stop();
+        },
+        [&screen] {
+            screen.touch("mStartButton");
+            screen.app().engine().stop();
+            screen.touch("mUploadButton");
+        },
     };
     int threads = 0;
     int files = 0;
     for (int change = 0; change < 100; ++change) {
-        activities[change % 4]();
+        activities[change % std::size(activities)]();
         screen.choose(AppMode((change + 1) % 3));
         QCOMPARE(screen.status(), QString("Waiting black 445"));
         if (change == 20) {
