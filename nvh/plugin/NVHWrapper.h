@@ -18,9 +18,11 @@ class SlideSwitch;
 class NVH_EXPORT NVHWrapper : public DisplayView {
     Q_OBJECT
 public:
+    // Fills the title area and makes the main view. The host owns the record, which outlives it.
     NVHWrapper(DisplayView* parent, AppInfo* info);
     ~NVHWrapper() override;
 
+    // The main view of the present mode; a choice of another mode deletes it.
     NVHAppView* appView() const { return mAppView; }
 
     void shown() override;
