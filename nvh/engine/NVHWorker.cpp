@@ -4,25 +4,25 @@
 
 #include "nvh/capture/ErrorLog.h"
 #include "nvh/capture/LoggerRunning.h"
-#include "nvh/process/ChildProcess.h"
 #include "nvh/vehicle/VehicleSignals.h"
 
 #include <HelixDash/services/Logger.h>
 
-#include <algorithm>
 #include <utility>
 
 NVHWorker::NVHWorker(AppMode mode) : mAudio(Audio::proxy()), mAppMode(mode) {
     connect(&mRecorder, &Recorder::ended, this, &NVHWorker::arecord_done);
     connect(&mRecorder, &Recorder::failed, this, &NVHWorker::arecord_error);
+    connect(&mMicCheck, &MicCheck::ended, this, &NVHWorker::micCheckDone);
+    connect(&mMicCheck, &MicCheck::failed, this, &NVHWorker::micCheckError);
+    connect(&mAnalysis, &Analysis::ended, this, &NVHWorker::resultsDone);
+    connect(&mAnalysis, &Analysis::failed, this, &NVHWorker::resultsError);
 }
 
 NVHWorker::~NVHWorker() {
     // From here on nobody hears of this run.
     blockSignals(true);
     dvDisconnect(VehicleSignals::kSpeed.find(), this);
-    delete mMicCheck;
-    delete mAnalysis;
     loggerRunning = false;
 }
 
@@ -37,17 +37,17 @@ void NVHWorker::start() {
     mRun = Run::Waiting;
     mSetAsideNote.clear();
     // A report on the run before must not turn up in this one; if a package waits for it, so does this run.
-    if (!isWaiting(Request::Kind::Results))
-        releaseMicCheck();
+    if (!mRequests.has(Request::Kind::Results))
+        mMicCheck.release();
     // One that an analysis has left at work.
     mRecorder.stop();
-    mRequests.push_back({Request::Kind::Run, {mTestType, mClunkButtonState}});
+    mRequests.add({Request::Kind::Run, mSelected.test});
     resume();
 }
 
 void NVHWorker::beginRun(const RunFiles::TestNote& test) {
     mRun = Run::Recording;
-    mOpenRun = OpenRun{test, {}};
+    mStore.open(test);
     if (const QString refusal = claimFiles(); !refusal.isEmpty()) {
         refuseCapture(refusal);
         return;
@@ -92,7 +92,7 @@ void NVHWorker::stop() {
 
     emit recordingStopped();
     stopAudioRecording();
-    cancel(Request::Kind::Run);
+    mRequests.cancel(Request::Kind::Run);
     mRun = Run::Idle;
     loggerRunning = false;
     emit endRecording();
@@ -109,19 +109,11 @@ bool NVHWorker::isRunning() {
     return mRun != Run::Idle;
 }
 
-bool NVHWorker::isWaiting(Request::Kind kind) const {
-    return std::any_of(mRequests.begin(), mRequests.end(), [kind](const Request& each) { return each.kind == kind; });
-}
-
-void NVHWorker::cancel(Request::Kind kind) {
-    mRequests.remove_if([kind](const Request& each) { return each.kind == kind; });
-}
-
 bool NVHWorker::isDue(const Request& request) const {
     switch (request.kind) {
         case Request::Kind::Results:
             // What is still being written belongs into the package.
-            return !mRecorder.isEnding() && !mMicCheck;
+            return !mRecorder.isEnding() && !mMicCheck.isActive();
         case Request::Kind::Run:
             // Its logs would overwrite the files of the run before while they are packed.
             return !mRecorder.isActive() && !mPackageManager.isPackaging();
@@ -146,19 +138,16 @@ void NVHWorker::carryOut(Request request) {
 }
 
 void NVHWorker::resume() {
-    while (!mRequests.empty() && isDue(mRequests.front())) {
-        Request next = std::move(mRequests.front());
-        mRequests.pop_front();
-        carryOut(std::move(next));
-    }
-    if (!mRequests.empty() && mPackageManager.isPackaging())
+    while (mRequests.first() && isDue(*mRequests.first()))
+        carryOut(mRequests.takeFirst());
+    if (mRequests.first() && mPackageManager.isPackaging())
         mPackageManager.whenNotPackaging(this, [this] { resume(); });
     if (isSettled())
         mWhenSettled.makeAll();
 }
 
 bool NVHWorker::isSettled() const {
-    return !mRecorder.isActive() && !mMicCheck && !(mAnalysis && mAnalysis->isActive());
+    return !mRecorder.isActive() && !mMicCheck.isActive() && !mAnalysis.isActive();
 }
 
 void NVHWorker::whenSettled(QObject* context, std::function<void()> callback) {
@@ -166,18 +155,6 @@ void NVHWorker::whenSettled(QObject* context, std::function<void()> callback) {
         callback();
     else
         mWhenSettled.add(context, std::move(callback));
-}
-
-ChildProcess* NVHWorker::makeProcess(void (NVHWorker::*done)(), void (NVHWorker::*error)()) {
-    auto* process = new ChildProcess(this);
-    connect(process, qOverload<int, QProcess::ExitStatus>(&QProcess::finished), this, done);
-    connect(process, &QProcess::errorOccurred, this, error);
-    return process;
-}
-
-void NVHWorker::startProcess(ChildProcess* process, const QString& program, const QStringList& arguments) {
-    Logger(this, "INFO") << "Starting process:" << program << bracketed(arguments);
-    process->start(program, arguments, QIODevice::ReadWrite);
 }
 
 void NVHWorker::logWithErrorNum(QString message) {

@@ -1,12 +1,14 @@
 #pragma once
 
 #include "nvh/Export.h"
+#include "nvh/engine/Analysis.h"
 #include "nvh/engine/CaptureThreads.h"
+#include "nvh/engine/MicCheck.h"
 #include "nvh/engine/Recorder.h"
-#include "nvh/engine/RunFiles.h"
+#include "nvh/engine/RequestLine.h"
 #include "nvh/engine/RunOutcome.h"
+#include "nvh/engine/RunStore.h"
 #include "nvh/engine/Settings.h"
-#include "nvh/files/FileLock.h"
 #include "nvh/packaging/NvhPackageManager.h"
 #include "nvh/process/WaitingCalls.h"
 
@@ -18,10 +20,6 @@
 
 #include <cstdio>
 #include <functional>
-#include <list>
-#include <optional>
-
-class ChildProcess;
 
 // What a finished capture is filed as.
 enum RECORDING_TYPE {
@@ -65,7 +63,7 @@ public:
 
     // How the last recorder ended and what it left, and how the last analysis ended.
     const CaptureOutcome& captureOutcome() const { return mCaptureOutcome; }
-    const AnalysisOutcome& analysisOutcome() const { return mAnalysisOutcome; }
+    const AnalysisOutcome& analysisOutcome() const { return mAnalysis.outcome(); }
     // The package of the last resultsDone(), also while that waits for the recorder; 0 before the first one. The
     // package manager's signals are about it while its subject() is this number.
     int packageInHand() const { return mPackageInHand; }
@@ -74,7 +72,7 @@ public:
     void addNote(const QString& note) { mNotes.append(note); }
     // Takes hold of the files of runs and clips, as every start does: for whoever is going to write one of them. Empty
     // if they could be had, else who has one of them.
-    QString keepFiles();
+    QString keepFiles() { return mStore.keep(); }
     // What was found and set aside at the last start, as the driver was told; empty if nothing was.
     const QString& setAsideNote() const { return mSetAsideNote; }
 
@@ -207,22 +205,15 @@ private:
     // Idle --start--> Waiting --> Recording --stop, failure, analysis--> Idle
     enum class Run { Idle, Waiting, Recording };
 
-    // What was asked for and waits for its turn.
-    struct Request {
-        enum class Kind { Results, Run, Clip };
-        Kind kind;
-        RunFiles::TestNote test = {};  // of a run
-        PackageJob package = {};       // of results
-        QString tag = {};
-    };
-    // A run whose files are not packed or discarded yet.
-    struct OpenRun {
-        RunFiles::TestNote test;
-        CaptureOutcome capture;
+    // What the user has chosen.
+    struct Selections {
+        RunFiles::TestNote test;  // type and torque reversal
+        int durationPosition = 0;
+        int micChannel = 0;
+        int freqResolution = 0;
     };
 
-    bool isWaiting(Request::Kind kind) const;
-    void cancel(Request::Kind kind);
+    // Whether a request's time has come, and what it asks for.
     bool isDue(const Request& request) const;
     void carryOut(Request request);
     // Carries out what waits as far as its time has come; called whenever something has ended.
@@ -235,26 +226,16 @@ private:
     // cannot be had.
     QString claimFiles();
     void refuseCapture(const QString& reason);
-    void releaseFiles();
-    void tellOfSetAside(const QString& file);
     void concludeCapture();
     void failRecording(const QString& words);
     void reportRecorder(const QString& words);
     QString fileCapture(RECORDING_TYPE type, const QString& target);
 
-    ChildProcess* makeProcess(void (NVHWorker::*done)(), void (NVHWorker::*error)());
-    void startProcess(ChildProcess* process, const QString& program, const QStringList& arguments);
-    void startMicCheck();
-    void releaseMicCheck();
-
-    void concludeAnalysis();
-    static QString tagOf(const QString& testType, bool clunk);
     Request resultsRequest();
     void packResults(Request request);
     QStringList packFiles(Request request, bool pass, const QString& heldElsewhere);
-    QString whyNoRecording() const;
-    void closeRun();
     void removeRecordedFiles();
+    void releaseFiles();
 
     CaptureThreads mThreads{*this};
     NvhPackageManager mPackageManager;
@@ -262,23 +243,16 @@ private:
     bool mSecondFlag = false;
     Audio* mAudio;
     Recorder mRecorder{this};
-    ChildProcess* mAnalysis = nullptr;  // these two: children of this object
-    ChildProcess* mMicCheck = nullptr;
-    QString mTestType;
-    bool mTestTypeSpent = true;  // the run that it was chosen for is packed or discarded
-    int mSliderDurationPosition = 0;
-    int mMicChannel = 0;
-    int mFreqResolution = 0;
-    bool mClunkButtonState = false;
+    Analysis mAnalysis{this};
+    MicCheck mMicCheck{this};
+    Selections mSelected;
     QStringList mFilesToPackage;
     AppMode mAppMode;
     SingleShotTimer mStopTimer;
 
-    FileLock mFiles;
-    std::list<Request> mRequests;
-    std::optional<OpenRun> mOpenRun;
+    RequestLine mRequests;
+    RunStore mStore;
     CaptureOutcome mCaptureOutcome;
-    AnalysisOutcome mAnalysisOutcome;
     int mPackageInHand = 0;
     QStringList mNotes;
     QString mSetAsideNote;

@@ -16,7 +16,7 @@
 void NVHWorker::startAudioRecording() {
     Logger(this, "INFO") << "startAudioRecording";
     if (mRecorder.isActive())
-        mRequests.push_back({Request::Kind::Clip});
+        mRequests.add({Request::Kind::Clip});
     else
         beginCapture();
 }
@@ -44,22 +44,18 @@ QString NVHWorker::claimFiles() {
     if (const auto setAside = RunFiles::setAsideUnfiledCapture(this)) {
         if (!setAside->error.isEmpty())
             return setAside->error;
-        tellOfSetAside(setAside->file);
+        Logger(this, "ERROR") << "A recording that was never filed is kept in" << setAside->file;
+        mSetAsideNote = QStringLiteral("A recording that was never filed is kept in\n%1").arg(setAside->file);
+        emit updateFeedbackLabel(mSetAsideNote);
     }
     return QString();
-}
-
-void NVHWorker::tellOfSetAside(const QString& file) {
-    Logger(this, "ERROR") << "A recording that was never filed is kept in" << file;
-    mSetAsideNote = QStringLiteral("A recording that was never filed is kept in\n%1").arg(file);
-    emit updateFeedbackLabel(mSetAsideNote);
 }
 
 // As a recorder that is not there: the recording begins and fails.
 void NVHWorker::refuseCapture(const QString& reason) {
     mCaptureOutcome = {CaptureOutcome::How::Refused, QString(), reason, reason};
     if (mRun == Run::Recording)
-        mOpenRun->capture = mCaptureOutcome;
+        mStore.conclude(mCaptureOutcome);
     emit startUpdating();
     QTimer::singleShot(0, this, [this, reason] {
         failRecording(reason);
@@ -68,7 +64,7 @@ void NVHWorker::refuseCapture(const QString& reason) {
 }
 
 void NVHWorker::stopAudioRecording() {
-    cancel(Request::Kind::Clip);
+    mRequests.cancel(Request::Kind::Clip);
     mRecorder.stop();
 }
 
@@ -83,7 +79,7 @@ void NVHWorker::concludeCapture() {
     using How = CaptureOutcome::How;
     if (!mRecorder.hasEnded())
         return;
-    const bool servesRun = mRecorder.purpose() == Recorder::Purpose::Run && mOpenRun;
+    const bool servesRun = mRecorder.purpose() == Recorder::Purpose::Run && mStore.isOpen();
     const Recorder::Conclusion conclusion = mRecorder.conclude();
     mCaptureOutcome = conclusion.outcome;
     const How how = mCaptureOutcome.how;
@@ -92,7 +88,7 @@ void NVHWorker::concludeCapture() {
     else if (!conclusion.failure.isEmpty())
         Logger(this, "ERROR") << conclusion.failure;
     if (servesRun)
-        mOpenRun->capture = mCaptureOutcome;
+        mStore.conclude(mCaptureOutcome);
 
     // Without a device or with a full disk the recorder leaves by itself; nobody must go on driving for nothing.
     if (how == How::LeftEarly && mRun == Run::Recording)
@@ -105,12 +101,14 @@ void NVHWorker::concludeCapture() {
                                                                : QStringLiteral("What it recorded is kept.")));
 
     // The report must not turn up in a run that has begun meanwhile.
-    const bool reportWanted = mRun == Run::Idle || isWaiting(Request::Kind::Results);
-    const QString& testType = servesRun ? mOpenRun->test.testType : mTestType;
+    const bool reportWanted = mRun == Run::Idle || mRequests.has(Request::Kind::Results);
+    const RunFiles::TestNote& test = servesRun ? mStore.test() : mSelected.test;
     const bool filed = conclusion.isTestRecording && mCaptureOutcome.noFile.isEmpty();
-    if (testType == QLatin1String("Mic Test") && filed && reportWanted)
-        startMicCheck();
-    if (mCaptureOutcome.file.isEmpty() && !mOpenRun)
+    if (test.testType == QLatin1String("Mic Test") && filed && reportWanted) {
+        Logger(this, "INFO") << "Starting process:" << MicCheck::program() << bracketed(MicCheck::arguments());
+        mMicCheck.start();
+    }
+    if (mCaptureOutcome.file.isEmpty())
         releaseFiles();
     resume();
 }
@@ -182,7 +180,7 @@ QString NVHWorker::fileCapture(RECORDING_TYPE type, const QString& target) {
     mCaptureOutcome.file = failure.isEmpty() ? target : QString();
     mCaptureOutcome.noFile = failure;
     if (failure.isEmpty())
-        RunFiles::writeTestNote(mOpenRun ? mOpenRun->test : RunFiles::TestNote{mTestType, mClunkButtonState});
+        RunFiles::writeTestNote(mStore.isOpen() ? mStore.test() : mSelected.test);
     return failure;
 }
 

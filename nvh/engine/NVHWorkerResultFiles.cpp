@@ -3,7 +3,6 @@
 #include "nvh/engine/NVHWorker.h"
 #include "nvh/files/OwnFile.h"
 #include "nvh/packaging/PackageFiles.h"
-#include "nvh/process/ChildProcess.h"
 
 #include <HelixDash/services/Logger.h>
 
@@ -30,20 +29,16 @@ void NVHWorker::resultsDone() {
     Request request = resultsRequest();
     mPackageInHand = request.package.number;
     // Before a run that waits as well: that one would overwrite what is to be packed.
-    mRequests.push_front(std::move(request));
+    mRequests.addFirst(std::move(request));
     resume();
 }
 
-NVHWorker::Request NVHWorker::resultsRequest() {
+Request NVHWorker::resultsRequest() {
     Request request{Request::Kind::Results};
     request.package.number = mPackageManager.newNumber();
     request.package.wish = getSaveOnlyState() ? PackageJob::Wish::Keep : PackageJob::Wish::Upload;
     request.package.notes = std::exchange(mNotes, {});
-    request.tag = getTag();
-    // A recording that is not of the chosen test says itself what was tested.
-    const bool foreign = !mOpenRun && mTestTypeSpent && isPackable(cRecordingFilename.value());
-    if (const auto noted = foreign ? RunFiles::readTestNote() : std::nullopt)
-        request.tag = tagOf(noted->testType, noted->clunk);
+    request.tag = RunFiles::tagOf(mStore.foreignTest().value_or(mSelected.test));
     return request;
 }
 
@@ -62,12 +57,6 @@ void NVHWorker::renameFiles(bool pass) {
     packFiles(resultsRequest(), pass, keepFiles());
 }
 
-QString NVHWorker::keepFiles() {
-    QString reason;
-    mFiles.acquire(RunFiles::keptFiles(), &reason);
-    return reason;
-}
-
 // Hands the run's files to packaging, and returns what the driver must not miss about them.
 QStringList NVHWorker::packFiles(Request request, bool pass, const QString& heldElsewhere) {
     PackageJob& package = request.package;
@@ -75,7 +64,7 @@ QStringList NVHWorker::packFiles(Request request, bool pass, const QString& held
     Logger(this, "INFO") << "package name: " << package.package;
 
     const QString recording = cRecordingFilename.value();
-    const QString noRecording = whyNoRecording();
+    const QString noRecording = mStore.whyNoRecording();
     const bool mine = heldElsewhere.isEmpty();
     mFilesToPackage.clear();
     for (const ConfigStringValue& setting : allFilenames) {
@@ -93,41 +82,25 @@ QStringList NVHWorker::packFiles(Request request, bool pass, const QString& held
         Logger(this, "ERROR") << note;
     const QStringList notes = package.notes;
     package.files = mFilesToPackage;
-    closeRun();
+    mStore.close();
     mPackageManager.pack(package);
     mPackageManager.whenNotPackaging(this, [this] { releaseFiles(); });
     return notes;
 }
 
-// Empty if there is one for the package that is made now.
-QString NVHWorker::whyNoRecording() const {
-    if (mOpenRun && !mOpenRun->capture.noFile.isEmpty())
-        return mOpenRun->capture.noFile;
-    if (isPackable(cRecordingFilename.value()))
-        return QString();
-    const QString foreign = whyNotOwn(cRecordingFilename.value());
-    return foreign.isEmpty() ? QStringLiteral("nothing was recorded") : foreign;
-}
-
-void NVHWorker::closeRun() {
-    mOpenRun.reset();
-    mTestTypeSpent = true;
-}
-
-// Nothing of this engine lies in them any more, unless a recording is under way.
+// They hold nothing of this engine any more, unless a recording is under way.
 void NVHWorker::releaseFiles() {
-    RunFiles::dropTestNoteWithoutRecording();
-    if (mRun == Run::Idle && !mRecorder.isActive() && !mOpenRun)
-        mFiles.release();
+    if (mRun == Run::Idle && !mRecorder.isActive())
+        mStore.release();
 }
 
 void NVHWorker::deleteRecordedFiles() {
     // A recorder that is still ending would put its capture in place after this, a microphone check its report.
     if (mRecorder.isEnding())
         mRecorder.discard();
-    releaseMicCheck();
+    mMicCheck.release();
     removeRecordedFiles();
-    closeRun();
+    mStore.close();
     releaseFiles();
     resume();
 }

@@ -10,46 +10,46 @@
 #include <iterator>
 
 void NVHWorker::setTestType(QString testType) {
-    mTestType = testType;
-    mTestTypeSpent = false;
+    mSelected.test.testType = testType;
+    mStore.choose();
 }
 
 void NVHWorker::setSliderDurationPosition(int pos) {
-    mSliderDurationPosition = pos;
+    mSelected.durationPosition = pos;
 }
 
 void NVHWorker::setClunkButtonState(bool state) {
-    mClunkButtonState = state;
+    mSelected.test.clunk = state;
 }
 
 void NVHWorker::setMicChannel(int channel) {
-    mMicChannel = channel;
+    mSelected.micChannel = channel;
 }
 
 int NVHWorker::getMicChannel() {
-    return mMicChannel;
+    return mSelected.micChannel;
 }
 
 void NVHWorker::setFreqResolution(int selection) {
-    mFreqResolution = selection;
+    mSelected.freqResolution = selection;
 }
 
 int NVHWorker::getFreqResolution() {
-    return mFreqResolution;
+    return mSelected.freqResolution;
 }
 
 bool NVHWorker::isBrakeSquealTest() const {
-    return mTestType == QLatin1String("Brake Squeal");
+    return mSelected.test.testType == QLatin1String("Brake Squeal");
 }
 
 int NVHWorker::getDuration() {
     static constexpr int seconds[] = {0, 5, 10, 15, 20, 30, 45, 60};
-    const bool known = mSliderDurationPosition >= 0 && mSliderDurationPosition < int(std::size(seconds));
-    return known ? seconds[mSliderDurationPosition] : -1;
+    const bool known = mSelected.durationPosition >= 0 && mSelected.durationPosition < int(std::size(seconds));
+    return known ? seconds[mSelected.durationPosition] : -1;
 }
 
 QString NVHWorker::parseFftSize() const {
-    switch (mFreqResolution) {
+    switch (mSelected.freqResolution) {
         case 0:
             return QStringLiteral("2048");
         case 1:
@@ -62,7 +62,7 @@ QString NVHWorker::parseFftSize() const {
 }
 
 QString NVHWorker::parseMicChannel() const {
-    switch (mMicChannel) {
+    switch (mSelected.micChannel) {
         case 0:
             return QStringLiteral("sum");
         case 2:
@@ -73,12 +73,7 @@ QString NVHWorker::parseMicChannel() const {
 }
 
 QString NVHWorker::getTag() {
-    return tagOf(mTestType, mClunkButtonState);
-}
-
-QString NVHWorker::tagOf(const QString& testType, bool clunk) {
-    const QString tag = testTypesVsTags[testType];
-    return clunk ? QStringLiteral("%1_CLUNK").arg(tag) : tag;
+    return RunFiles::tagOf(mSelected.test);
 }
 
 QString NVHWorker::getTrim() {

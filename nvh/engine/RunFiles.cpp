@@ -91,6 +91,11 @@ std::optional<RunFiles::SetAside> RunFiles::setAsideUnfiledCapture(const QObject
     return result;
 }
 
+QString RunFiles::tagOf(const TestNote& test) {
+    const QString tag = testTypesVsTags[test.testType];
+    return test.clunk ? QStringLiteral("%1_CLUNK").arg(tag) : tag;
+}
+
 void RunFiles::writeTestNote(const TestNote& note) {
     const QString text = note.testType + QLatin1Char('\n') + (note.clunk ? kClunk + QLatin1Char('\n') : QString());
     writeOwnFile(testNoteFile(), text.toUtf8());

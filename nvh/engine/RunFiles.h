@@ -35,6 +35,9 @@ struct TestNote {
     QString testType;    // its display name
     bool clunk = false;  // with torque reversal
 };
+// The file tag of a test, "_CLUNK" behind it with torque reversal. A type that is not known gets a row with an empty
+// tag.
+QString tagOf(const TestNote& test);
 // A note that cannot be written is missing later, and no more.
 void writeTestNote(const TestNote& note);
 // Nothing where there is no note of this user.
