@@ -1,7 +1,8 @@
 #pragma once
 
+#include "tests/support/Files.h"
+
 #include <QByteArray>
-#include <QFile>
 #include <QProcess>
 #include <QStringList>
 
@@ -21,16 +22,3 @@ struct ProgramRun {
         return {process.exitCode(), process.readAllStandardOutput(), process.readAllStandardError()};
     }
 };
-
-// Returns the path, for the arguments of a program.
-inline QString writeFile(const QString& path, const QByteArray& bytes) {
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size())
-        qFatal("cannot write %s", qPrintable(path));
-    return path;
-}
-
-inline QByteArray readFile(const QString& path) {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("unreadable");
-}

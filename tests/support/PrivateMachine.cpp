@@ -94,17 +94,6 @@ void setValue(const char* name, const QVariant& value) {
         qFatal("%s", qPrintable(error));
 }
 
-void writeFile(const QString& path, const QByteArray& content) {
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
-        qFatal("%s: %s", qPrintable(path), qPrintable(file.errorString()));
-}
-
-QByteArray readFile(const QString& path) {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
 QStringList archiveMembers(const QString& archive) {
     return QString::fromLocal8Bit(outputOf("tar", {"-tzf", archive})).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "tests/support/Files.h"
+
 #include <QByteArray>
 #include <QString>
 #include <QStringList>
@@ -34,8 +36,6 @@ void configure(const QString& key, const QVariant& value);
 // Sets a data value; an invalid variant makes it invalid.
 void setValue(const char* name, const QVariant& value);
 
-void writeFile(const QString& path, const QByteArray& content);
-QByteArray readFile(const QString& path);
 // Names as tar lists them, and one member's content.
 QStringList archiveMembers(const QString& archive);
 QByteArray archiveMember(const QString& archive, const QString& member);

@@ -6,14 +6,6 @@
 
 #include <QtTest>
 
-class TestReplay : public QObject {
-    Q_OBJECT
-
-private slots:
-    void fillsDatagrams_data();
-    void fillsDatagrams();
-};
-
 namespace {
 
 constexpr CanAddress kWanted{1, 0x108};
@@ -46,28 +38,33 @@ QStringList play(const Recording& recording, const ReplaySettings& settings, int
 
 }  // namespace
 
-void TestReplay::fillsDatagrams_data() {
-    columns<ReplaySettings, QStringList>("settings", "datagrams");
-    row("as recorded", ReplaySettings{1.0, {}, 100, 20}, QStringList{"20: 0 10 20", "41: 30 40 41"});
-    row("full early", ReplaySettings{1.0, {}, 2, 20}, QStringList{"10: 0 10", "30: 20 30", "41: 40 41"});
-    row("half as fast", ReplaySettings{0.5, {}, 9, 25}, QStringList{"25: 0 10", "65: 20 30", "82: 40 41"});
-    row("1000 a second", ReplaySettings{1.0, 1000.0, 9, 3}, QStringList{"3: 0 10 20 30", "5: 40 41"});
-    row("at any rate", ReplaySettings{1.0, 0.0, 4, 20}, QStringList{"0: 0 10 20 30", "0: 40 41"});
-    row("over and over", ReplaySettings{1.0, {}, 6, 50, true},
-        QStringList{"41: 0 10 20 30 40 41", "141: 100 110 120 130 140 141"});
-}
+class TestReplay : public QObject {
+    Q_OBJECT
 
-void TestReplay::fillsDatagrams() {
-    QFETCH(ReplaySettings, settings);
-    QFETCH(QStringList, datagrams);
-    const Recording recording = recordingAt({0, 10, 20, 30, 40, 41});
-    QCOMPARE(play(recording, settings, 1), datagrams);
-    // Asked seldom, the same frames in the same datagrams, only later.
-    const QRegularExpression time("^\\d+");
-    QCOMPARE(play(recording, settings, 37).replaceInStrings(time, ""), datagrams.replaceInStrings(time, ""));
-    // The time of a frame in its datagram has 16 bits.
-    QCOMPARE(play(recordingAt({0, 65'535, 65'536}), {1.0, 0.0, 100, 50}, 200), QStringList({"0: 0 65535", "0: 65536"}));
-}
+private slots:
+    void fillsDatagrams_data() {
+        const auto row = columns<ReplaySettings, QStringList>("settings", "datagrams");
+        row("as recorded", ReplaySettings{1.0, {}, 100, 20}, QStringList{"20: 0 10 20", "41: 30 40 41"});
+        row("full early", ReplaySettings{1.0, {}, 2, 20}, QStringList{"10: 0 10", "30: 20 30", "41: 40 41"});
+        row("half as fast", ReplaySettings{0.5, {}, 9, 25}, QStringList{"25: 0 10", "65: 20 30", "82: 40 41"});
+        row("1000 a second", ReplaySettings{1.0, 1000.0, 9, 3}, QStringList{"3: 0 10 20 30", "5: 40 41"});
+        row("at any rate", ReplaySettings{1.0, 0.0, 4, 20}, QStringList{"0: 0 10 20 30", "0: 40 41"});
+        row("over and over", ReplaySettings{1.0, {}, 6, 50, true},
+            QStringList{"41: 0 10 20 30 40 41", "141: 100 110 120 130 140 141"});
+    }
+
+    void fillsDatagrams() {
+        auto [settings, datagrams] = cells<ReplaySettings, QStringList>();
+        const Recording recording = recordingAt({0, 10, 20, 30, 40, 41});
+        QCOMPARE(play(recording, settings, 1), datagrams);
+        // Asked seldom, the same frames in the same datagrams, only later.
+        const QRegularExpression time("^\\d+");
+        QCOMPARE(play(recording, settings, 37).replaceInStrings(time, ""), datagrams.replaceInStrings(time, ""));
+        // The time of a frame in its datagram has 16 bits.
+        QCOMPARE(play(recordingAt({0, 65'535, 65'536}), {1.0, 0.0, 100, 50}, 200),
+                 QStringList({"0: 0 65535", "0: 65536"}));
+    }
+};
 
 QTEST_GUILESS_MAIN(TestReplay)
 #include "tst_replay.moc"
