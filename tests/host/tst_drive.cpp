@@ -1,4 +1,6 @@
-#include <QFile>
+#include "tests/support/Files.h"
+#include "tests/support/Rows.h"
+
 #include <QImage>
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -14,18 +16,97 @@ class TestDrive : public QObject {
     Q_OBJECT
 
 private slots:
-    void init();
+    void init() {
+        mDirectory = std::make_unique<QTemporaryDir>();
+        writeFile(file("c.ini"), "[test]\nStopped=All\n");
+        writeFile(file("trace.csv"), "t_s,VAPI_trim,TRACE_made,VAPI_brakePedal\n0,1,,invalid\n0.01,2,0.5,\n100,3,,\n");
+        writeFile(file("largereal.csv"), "t_s,VAPI_motorRPM\n0,3000000000\n");
+    }
+
     void holds_data();
-    void holds();
+    void holds() {
+        QFETCH(QByteArray, lines);
+        const Result result = play(lines);
+        QVERIFY2(result.status == 0, qPrintable(result.errors));
+    }
+
     void fails_data();
-    void fails();
-    void refusesArguments_data();
-    void refusesArguments();
+    void fails() {
+        const auto [reason, status] = cells<QString, int>();
+        const QByteArray line = QTest::currentDataTag();
+        writeFile(file("pedal.csv"), "t_s,VAPI_brakePedal\n0,1\n");
+        writeFile(file("large.csv"), "t_s,VAPI_motorRPM,NEW\n0,3000000000,1\n1,,\n2,,-2147483649\n3,,3000000000\n");
+        writeFile(file("largetrim.csv"), "t_s,VAPI_trim\n0,4294967297\n");
+        const Result result = play("# one step\n{\"wait\": 0.001}\n" + line + "\n{\"touch\": \"mStart\"}\n");
+        QCOMPARE(result.status, status);
+        const bool started = status == 1;
+        const QString place = started ? "test.drive:3: " + line : QByteArray("helixdash: --drive: test.drive:3: ");
+        QVERIFY2(result.errors.contains(place) && result.errors.contains(reason), qPrintable(result.errors));
+        QVERIFY(!result.errors.contains(started ? QStringLiteral("Recording started") : QStringLiteral("Loaded")));
+    }
+
+    void refusesArguments_data() {
+        const auto row = columns<QStringList, QString>("arguments", "reason");
+        const auto with = [](const QString& name) { return QStringList{"--plugin", name}; };
+        row("no plug-in", {}, "--plugin is missing");
+        row("unknown", QStringList("--plug"), "Unknown option 'plug'");
+        row("stray", with("p.so") + QStringList("more"), "more: no such argument");
+        row("directory", with("p.so") + QStringList("--app-dir=none"), "--app-dir: none is no directory");
+        row("configuration", with("p.so") + QStringList("--config=none/c.ini"), "--config: ");
+        row("trace", with("p.so") + QStringList("--trace=c.ini"), "--trace: c.ini:1: the header");
+        row("setting", with("p.so") + QStringList("--set=VAPI_trim=true"),
+            "--set: VAPI_trim is a whole number and cannot be true");
+        row("no library", with("none.so"), "--plugin: none.so: there is no such file");
+        row("not a library", with("c.ini"), "--plugin: ");
+        row("no entry", with(plugin("../lib/libHelixDash")), "does not export LoadPlugin");
+        row("no view", with(plugin("brokenapplication_GIVES_NO_VIEW")), "LoadPlugin gave no view");
+        row("throws", with(plugin("brokenapplication_THROWS")), "LoadPlugin failed: no such skin");
+    }
+
+    void refusesArguments() {
+        const auto [arguments, reason] = cells<QStringList, QString>();
+        const Result result = run(QStringList{"--app-dir", ".", "--config", "c.ini"} + arguments);
+        QCOMPARE(result.status, 2);
+        const QStringList said = result.errors.split(QLatin1Char('\n')).filter(QStringLiteral("helixdash: "));
+        QCOMPARE(said.size(), 1);
+        QVERIFY2(said.first().contains(reason), qPrintable(result.errors));
+    }
+
     void drawsAndDescribesTheScreen();
     void waitsForItsTimes();
-    void endsCleanlyOnASignal_data();
-    void endsCleanlyOnASignal();
-    void printsNothingThatActsOnATerminal();
+    void endsCleanlyOnASignal_data() {
+        const auto row = columns<int, QStringList>("number", "before");
+        row("interrupt", SIGINT, {});
+        row("termination", SIGTERM, {});
+        row("terminal gone", SIGHUP, {});
+        row("terminal gone, ignored", SIGTERM, QStringList("nohup"));
+    }
+
+    void endsCleanlyOnASignal() {
+        const auto [number, before] = cells<int, QStringList>();
+        QProcess process;
+        process.setReadChannel(QProcess::StandardError);
+        process.setWorkingDirectory(mDirectory->path());
+        const QStringList command = before + QStringList(NVH_BIN_DIR "/helixdash") + usualArguments();
+        process.start(command.first(), command.mid(1));
+        QByteArray errors;
+        while (!errors.contains("Loaded") && process.waitForReadyRead(10000))
+            errors += process.readAll();
+        QVERIFY2(errors.contains("Loaded"), errors.constData());
+        if (!before.isEmpty())
+            ::kill(pid_t(process.processId()), SIGHUP);
+        ::kill(pid_t(process.processId()), number);
+        QVERIFY(process.waitForFinished(10000));
+        QCOMPARE(process.exitStatus(), QProcess::NormalExit);
+        QCOMPARE(process.exitCode(), 128 + number);
+    }
+
+    void printsNothingThatActsOnATerminal() {
+        const Result result = play("{\"set\": {\"A\": true}, \"at\": 0}\n{\"expect\": \"m\\u001b[2J\\u009bN\"}\n");
+        QCOMPARE(result.status, 1);
+        QVERIFY2(result.errors.contains(QLatin1String("there is no view m\\x1b[2J\\x9bN")), qPrintable(result.errors));
+        QVERIFY(!result.errors.contains(QLatin1Char('\x1b')));
+    }
 
 private:
     struct Result {
@@ -33,10 +114,7 @@ private:
         QString errors;
     };
 
-    void write(const QString& name, const QByteArray& content) {
-        QFile file(mDirectory->filePath(name));
-        QVERIFY(file.open(QIODevice::WriteOnly) && file.write(content) == content.size());
-    }
+    QString file(const QString& name) const { return mDirectory->filePath(name); }
     static QString plugin(const char* name) {
         return QStringLiteral(NVH_LIB_DIR "/../tests/%1.so").arg(QLatin1String(name));
     }
@@ -55,24 +133,16 @@ private:
                 QString::fromUtf8(process.readAllStandardError())};
     }
     Result play(const QByteArray& lines) {
-        write(QStringLiteral("test.drive"), lines);
+        writeFile(file("test.drive"), lines);
         return run(usualArguments() + QStringList("--drive=test.drive"));
     }
 
     std::unique_ptr<QTemporaryDir> mDirectory;
 };
 
-void TestDrive::init() {
-    mDirectory = std::make_unique<QTemporaryDir>();
-    write(QStringLiteral("c.ini"), "[test]\nStopped=All\n");
-    write(QStringLiteral("trace.csv"),
-          "t_s,VAPI_trim,TRACE_made,VAPI_brakePedal\n0,1,,invalid\n0.01,2,0.5,\n100,3,,\n");
-    write(QStringLiteral("largereal.csv"), "t_s,VAPI_motorRPM\n0,3000000000\n");
-}
-
 void TestDrive::holds_data() {
-    QTest::addColumn<QByteArray>("lines");
-    QTest::newRow("touch where two buttons lie") << QByteArray(R"(# what the configuration gives
+    const auto row = columns<QByteArray>("lines");
+    row("touch where two buttons lie", R"(# what the configuration gives
 {"config": {"test/Stopped": "Enough", "test/Number": 12}}
 
 {"touch": "mStart"}
@@ -83,26 +153,26 @@ void TestDrive::holds_data() {
 {"touch": "mStart"}
 {"expectLog": "Recording", "level": "ERROR"}
 {"expectLog": "Recording started"})");
-    QTest::newRow("what takes no touch") << QByteArray(R"({"touch": "mDisabled"}
+    row("what takes no touch", R"({"touch": "mDisabled"}
 {"slide": "mDisabledSwitch", "to": "ON"}
 {"slide": "mHiddenSwitch", "to": "ON"}
 {"expect": "mStatus", "text": "Ready "}
 {"expect": "mDisabledSwitch", "text": "OFF", "enabled": false}
 {"expect": "mHiddenSwitch", "text": "OFF", "visible": false})");
-    QTest::newRow("slide to a position and pick") << QByteArray(R"-({"slide": "mSwitch", "to": 1}
+    row("slide to a position and pick", R"-({"slide": "mSwitch", "to": 1}
 {"expect": "mSwitch", "text": "ON"}
 {"pick": "mPicker", "choice": "Sum (Avg.)"}
 {"expect": "mPicker", "text": "Sum (Avg.)"})-");
-    QTest::newRow("a row that is still to be made") << QByteArray(R"({"mark": "mLongTable", "row": 999, "to": "ON"}
+    row("a row that is still to be made", R"({"mark": "mLongTable", "row": 999, "to": "ON"}
 {"expect": "mRow999", "text": "ON"})");
-    QTest::newRow("set in the order given") << QByteArray(
+    row("set in the order given",
         R"({"set": {"VAPI_trim": 2, "VAPI_motorRPM": 2300.5, "VAPI_brakePedal": true, "VAPI_trim": 1}}
 {"set": {"VAPI_motorRPM": null, "MADE_whole": 7, "MADE_real": 7.0}}
 {"expect": "mSignals", "text": "trim=2 motorRPM=2300.5 brakePedal=true trim=1 motorRPM=Invalid "}
 {"expectValue": "VAPI_trim", "is": 1.0}
 {"expectValue": "VAPI_motorRPM", "is": null}
 {"expectValue": "MADE_real", "is": 7})");
-    QTest::newRow("large numbers") << QByteArray(R"({"set": {"WHOLE": -2147483648, "REAL": 3e9, "POINT": 4294967297.0}}
+    row("large numbers", R"({"set": {"WHOLE": -2147483648, "REAL": 3e9, "POINT": 4294967297.0}}
 {"expectValue": "WHOLE", "is": -2147483648}
 {"expectValue": "REAL", "is": 3000000000}
 {"expectValue": "POINT", "is": 4294967297}
@@ -111,30 +181,22 @@ void TestDrive::holds_data() {
 {"trace": "largereal.csv"}
 {"expectValue": "VAPI_motorRPM", "is": 3000000000, "within": 2}
 {"wait": 0, "at": 0.001})");
-    QTest::newRow("trace") << QByteArray(R"({"trace": "trace.csv"}
+    row("trace", R"({"trace": "trace.csv"}
 {"expectValue": "VAPI_trim", "is": 2, "within": 2}
 {"expectValue": "TRACE_made", "is": 0.5}
 {"expect": "mSignals", "text": "trim=1 trim=2 "}
 {"trace": null}
 {"trace": "trace.csv", "from": 100}
 {"expectValue": "VAPI_trim", "is": 3, "within": 2})");
-    QTest::newRow("expect what comes later") << QByteArray(R"({"expect": "mNew", "there": false}
+    row("expect what comes later", R"({"expect": "mNew", "there": false}
 {"touch": "mLater", "hold": 0.1}
 {"expect": "mStatus", "matches": "[0-9]+ s$", "within": 2}
 {"expect": "mNew", "text": "new"}
 {"expectLog": "Later", "level": "INFO", "within": 2})");
 }
 
-void TestDrive::holds() {
-    QFETCH(QByteArray, lines);
-    const Result result = play(lines);
-    QVERIFY2(result.status == 0, qPrintable(result.errors));
-}
-
 void TestDrive::fails_data() {
-    QTest::addColumn<QByteArray>("line");
-    QTest::addColumn<QString>("reason");
-    QTest::addColumn<int>("status");
+    const auto row = columns<QString, int>("reason", "status");
     const std::pair<const char*, const char*> atTheStep[] = {
         {R"({"touch": "mNone"})", "there is no view mNone"},
         {R"({"expect": "mStart", "there": false})", "mStart is there"},
@@ -157,7 +219,7 @@ void TestDrive::fails_data() {
         {R"({"grab": "none/screen.png"})", "none/screen.png: "},
     };
     for (const auto& [line, reason] : atTheStep)
-        QTest::newRow(line) << QByteArray(line) << QString::fromLatin1(reason) << 1;
+        row(line, reason, 1);
     const std::pair<const char*, const char*> beforeItStarts[] = {
         {R"({"touch": )", "no JSON: "},
         {"[1]", "a step is a JSON object"},
@@ -194,51 +256,7 @@ void TestDrive::fails_data() {
         {R"({"trace": "trace.csv", "from": 101})", "from: trace.csv ends after 100 s"},
     };
     for (const auto& [line, reason] : beforeItStarts)
-        QTest::newRow(line) << QByteArray(line) << QString::fromLatin1(reason) << 2;
-}
-
-void TestDrive::fails() {
-    QFETCH(QByteArray, line);
-    QFETCH(QString, reason);
-    QFETCH(int, status);
-    write(QStringLiteral("pedal.csv"), "t_s,VAPI_brakePedal\n0,1\n");
-    write(QStringLiteral("large.csv"), "t_s,VAPI_motorRPM,NEW\n0,3000000000,1\n1,,\n2,,-2147483649\n3,,3000000000\n");
-    write(QStringLiteral("largetrim.csv"), "t_s,VAPI_trim\n0,4294967297\n");
-    const Result result = play("# one step\n{\"wait\": 0.001}\n" + line + "\n{\"touch\": \"mStart\"}\n");
-    QCOMPARE(result.status, status);
-    const bool started = status == 1;
-    const QString place = started ? "test.drive:3: " + line : QByteArray("helixdash: --drive: test.drive:3: ");
-    QVERIFY2(result.errors.contains(place) && result.errors.contains(reason), qPrintable(result.errors));
-    QVERIFY(!result.errors.contains(started ? QStringLiteral("Recording started") : QStringLiteral("Loaded")));
-}
-
-void TestDrive::refusesArguments_data() {
-    QTest::addColumn<QStringList>("arguments");
-    QTest::addColumn<QString>("reason");
-    const auto with = [](const QString& name) { return QStringList{"--plugin", name}; };
-    QTest::newRow("no plug-in") << QStringList() << "--plugin is missing";
-    QTest::newRow("unknown") << QStringList("--plug") << "Unknown option 'plug'";
-    QTest::newRow("stray") << with("p.so") + QStringList("more") << "more: no such argument";
-    QTest::newRow("directory") << with("p.so") + QStringList("--app-dir=none") << "--app-dir: none is no directory";
-    QTest::newRow("configuration") << with("p.so") + QStringList("--config=none/c.ini") << "--config: ";
-    QTest::newRow("trace") << with("p.so") + QStringList("--trace=c.ini") << "--trace: c.ini:1: the header";
-    QTest::newRow("setting") << with("p.so") + QStringList("--set=VAPI_trim=true")
-                             << "--set: VAPI_trim is a whole number and cannot be true";
-    QTest::newRow("no library") << with("none.so") << "--plugin: none.so: there is no such file";
-    QTest::newRow("not a library") << with("c.ini") << "--plugin: ";
-    QTest::newRow("no entry") << with(plugin("../lib/libHelixDash")) << "does not export LoadPlugin";
-    QTest::newRow("no view") << with(plugin("brokenapplication_GIVES_NO_VIEW")) << "LoadPlugin gave no view";
-    QTest::newRow("throws") << with(plugin("brokenapplication_THROWS")) << "LoadPlugin failed: no such skin";
-}
-
-void TestDrive::refusesArguments() {
-    QFETCH(QStringList, arguments);
-    QFETCH(QString, reason);
-    const Result result = run(QStringList{"--app-dir", ".", "--config", "c.ini"} + arguments);
-    QCOMPARE(result.status, 2);
-    const QStringList said = result.errors.split(QLatin1Char('\n')).filter(QStringLiteral("helixdash: "));
-    QCOMPARE(said.size(), 1);
-    QVERIFY2(said.first().contains(reason), qPrintable(result.errors));
+        row(line, reason, 2);
 }
 
 void TestDrive::drawsAndDescribesTheScreen() {
@@ -246,12 +264,10 @@ void TestDrive::drawsAndDescribesTheScreen() {
 {"grab": "screen.png"}
 {"tree": "tree.json"})");
     QVERIFY2(result.status == 0, qPrintable(result.errors));
-    const QImage picture(mDirectory->filePath(QStringLiteral("screen.png")));
+    const QImage picture(file("screen.png"));
     QCOMPARE(picture.size(), QSize(1300, 1000));
 
-    QFile file(mDirectory->filePath(QStringLiteral("tree.json")));
-    QVERIFY(file.open(QIODevice::ReadOnly));
-    const QJsonObject screen = QJsonDocument::fromJson(file.readAll()).object();
+    const QJsonObject screen = QJsonDocument::fromJson(readFile(file("tree.json"))).object();
     const auto child = [](const QJsonObject& view, const QString& name) {
         for (const QJsonValue& node : view.value("children").toArray()) {
             if (node["name"].toString() == name)
@@ -282,42 +298,6 @@ void TestDrive::waitsForItsTimes() {
     QVERIFY(clock.elapsed() >= 500);
     QCOMPARE(play(R"({"expect": "mStatus", "text": "never", "within": 0.3, "at": 0.1})").status, 1);
     QVERIFY(clock.elapsed() >= 900);
-}
-
-void TestDrive::endsCleanlyOnASignal_data() {
-    QTest::addColumn<int>("number");
-    QTest::addColumn<QStringList>("before");
-    QTest::newRow("interrupt") << SIGINT << QStringList();
-    QTest::newRow("termination") << SIGTERM << QStringList();
-    QTest::newRow("terminal gone") << SIGHUP << QStringList();
-    QTest::newRow("terminal gone, ignored") << SIGTERM << QStringList("nohup");
-}
-
-void TestDrive::endsCleanlyOnASignal() {
-    QFETCH(int, number);
-    QFETCH(QStringList, before);
-    QProcess process;
-    process.setReadChannel(QProcess::StandardError);
-    process.setWorkingDirectory(mDirectory->path());
-    const QStringList command = before + QStringList(NVH_BIN_DIR "/helixdash") + usualArguments();
-    process.start(command.first(), command.mid(1));
-    QByteArray errors;
-    while (!errors.contains("Loaded") && process.waitForReadyRead(10000))
-        errors += process.readAll();
-    QVERIFY2(errors.contains("Loaded"), errors.constData());
-    if (!before.isEmpty())
-        ::kill(pid_t(process.processId()), SIGHUP);
-    ::kill(pid_t(process.processId()), number);
-    QVERIFY(process.waitForFinished(10000));
-    QCOMPARE(process.exitStatus(), QProcess::NormalExit);
-    QCOMPARE(process.exitCode(), 128 + number);
-}
-
-void TestDrive::printsNothingThatActsOnATerminal() {
-    const Result result = play("{\"set\": {\"A\": true}, \"at\": 0}\n{\"expect\": \"m\\u001b[2J\\u009bN\"}\n");
-    QCOMPARE(result.status, 1);
-    QVERIFY2(result.errors.contains(QLatin1String("there is no view m\\x1b[2J\\x9bN")), qPrintable(result.errors));
-    QVERIFY(!result.errors.contains(QLatin1Char('\x1b')));
 }
 
 QTEST_GUILESS_MAIN(TestDrive)

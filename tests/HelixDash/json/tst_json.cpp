@@ -13,7 +13,7 @@ class TestJson : public QObject {
 
 private slots:
     void parses_data() {
-        columns<QByteArray, QVariant, int>("text", "value", "errorLine");
+        const auto row = columns<QByteArray, QVariant, int>("text", "value", "errorLine");
         row("object", QByteArray("{\"a\": [1, 2.5, true, null, \"ö\"]}"),
             QVariant(
                 QVariantMap{{"a", QVariantList{1, 2.5, true, QVariant::fromValue(nullptr), QString::fromUtf8("ö")}}}),
@@ -24,13 +24,12 @@ private slots:
     }
 
     void parses() {
-        QFETCH(QByteArray, text);
-        QFETCH(int, errorLine);
+        auto [text, value, errorLine] = cells<QByteArray, QVariant, int>();
         QBuffer device(&text);
         QVERIFY(!KJson::Parser::parse(device).ok());
         QVERIFY(device.open(QIODevice::ReadOnly));
         for (const KJson::ParseResult& result : {KJson::Parser::parse(text), KJson::Parser::parse(device)}) {
-            QTEST(result.value, "value");
+            QCOMPARE(result.value, value);
             QCOMPARE(result.line, errorLine);
             QCOMPARE(result.ok(), errorLine == 0);
         }

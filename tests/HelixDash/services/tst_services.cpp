@@ -1,5 +1,6 @@
 // The configuration and the log that applications use.
 
+#include "tests/support/Files.h"
 #include "tests/support/Rows.h"
 
 #include <HelixDash/services/ConfigStore.h>
@@ -8,7 +9,6 @@
 #include <HelixDash/services/SingleShotTimer.h>
 
 #include <QElapsedTimer>
-#include <QFile>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QThreadPool>
@@ -22,17 +22,17 @@ private slots:
         Logger::setOutput([this](const QObject* sender, const QString& text, const QString& level) {
             mLines.append(level + (sender ? sender->metaObject()->className() : "-") + text);
         });
-        QVERIFY(write({}));
+        writeFile(mFile, {});
         QVERIFY(ConfigStore::instance().open(mFile));
     }
     void cleanup() { Logger::setOutput({}); }
 
     void readsSettings_data() {
-        columns<QByteArray, QString, int, bool, int>("text", "string", "number", "flag", "complaints");
-        row("absent", QByteArray("[other]\nkey=5"), "default", 7, true, 0);
-        row("number", QByteArray("[group]\nkey=0"), "0", 0, false, 0);
-        row("flag", QByteArray("[group]\nkey=False"), "False", 7, false, 1);
-        row("text", QByteArray("[group]\nkey=/tmp/a,b.wav"), "/tmp/a,b.wav", 7, true, 2);
+        const auto row = columns<QByteArray, QString, int, bool, int>("text", "string", "number", "flag", "complaints");
+        row("absent", "[other]\nkey=5", "default", 7, true, 0);
+        row("number", "[group]\nkey=0", "0", 0, false, 0);
+        row("flag", "[group]\nkey=False", "False", 7, false, 1);
+        row("text", "[group]\nkey=/tmp/a,b.wav", "/tmp/a,b.wav", 7, true, 2);
     }
 
     void readsSettings() {
@@ -40,7 +40,7 @@ private slots:
         const ConfigStringValue string("group/key", "default");
         const ConfigIntValue number("group/key", 7);
         const ConfigBoolValue flag("group/key", true);
-        QVERIFY(write(text));
+        writeFile(mFile, text);
         QTEST(string.value(), "string");
         QTEST(number.value(), "number");
         QTEST(flag.value(), "flag");
@@ -49,10 +49,10 @@ private slots:
 
     void followsFile() {
         const ConfigStringValue value("group/key", "default");
-        QVERIFY(write("[group]\nkey=one\nother=kept\n"));
+        writeFile(mFile, "[group]\nkey=one\nother=kept\n");
         QCOMPARE(value.value(), "one");
         // A file that cannot be read changes nothing, and is reported once.
-        QVERIFY(write("[group]\nkey=two\nnonsense\n"));
+        writeFile(mFile, "[group]\nkey=two\nnonsense\n");
         QCOMPARE(value.value(), "one");
         QCOMPARE(value.value(), "one");
         QCOMPARE(mLines, QStringList("ERROR-Configuration unchanged: " + mFile +
@@ -61,7 +61,7 @@ private slots:
         QVERIFY(!ConfigStore::instance().open(mFile, &error));
         QVERIFY2(error.startsWith(mFile + ":3: "), qPrintable(error));
         QCOMPARE(value.value(), "one");
-        QVERIFY(write("[group]\nkey=three\nother=kept\n"));
+        writeFile(mFile, "[group]\nkey=three\nother=kept\n");
         QCOMPARE(value.value(), "three");
         QVERIFY(ConfigStore::instance().setValue("group/key", "four"));
         QCOMPARE(value.value(), "four");
@@ -118,11 +118,6 @@ private slots:
     }
 
 private:
-    bool write(const QByteArray& text) {
-        QFile file(mFile);
-        return file.open(QIODevice::WriteOnly) && file.write(text) == text.size();
-    }
-
     QTemporaryDir mDirectory;
     QString mFile = mDirectory.filePath("settings.ini");
     QStringList mLines;

@@ -1,4 +1,4 @@
-#include "tests/HelixDash/views/Finger.h"
+#include "tests/HelixDash/views/TouchScreen.h"
 #include "tests/support/Rows.h"
 #include "tests/support/ThreadTime.h"
 
@@ -75,8 +75,7 @@ class TestTableView : public QObject {
 private slots:
     // A table of which 125 of 425 pixels lie below the screen.
     void init() {
-        mScreen = std::make_unique<DisplayView>();
-        mScreen->resize(600, 500);
+        mScreen = std::make_unique<TouchScreen>(600, 500);
         mApp = new DisplayView(mScreen.get());
         mApp->resize(600, 440);
         mApp->move(0, 60);
@@ -86,8 +85,7 @@ private slots:
         mTable->resize(425, 425);
         mTable->move(100, 140);
         mTable->setModel(&mModel);
-        mScreen->show(true);
-        QVERIFY(QTest::qWaitForWindowExposed(mScreen.get()));
+        QVERIFY(mScreen->appears());
         QTRY_COMPARE(mTable->readyRows(), 10);
     }
 
@@ -113,7 +111,7 @@ private slots:
     }
 
     void scrollsTheLastRowIntoWhatCanBeSeen_data() {
-        columns<int>("rows");
+        const auto row = columns<int>("rows");
         row("many", 10);
         row("as many as the table would hold", 3);
         row("all in sight", 2);
@@ -132,9 +130,8 @@ private slots:
     }
 
     void fingerScrollsToTheEnd() {
-        Finger finger(mScreen.get());
         for (int i = 0; i < 20 && mTable->scrollPosition() < mTable->scrollRange(); ++i)
-            finger.drag(mTable, {200, 280}, {200, 20});
+            mScreen->drag(mTable, {200, 280}, {200, 20});
         QTRY_VERIFY(mScreen->rect().contains(placeOf(cell(9))));
         for (int row = 0; row < 10; ++row)
             QCOMPARE(cell(row)->mark->position(), 0);
@@ -142,7 +139,7 @@ private slots:
     }
 
     void gesturesOnASwitch_data() {
-        columns<QPoint, int, bool, int, bool>("move", "held", "disabled", "position", "scrolls");
+        const auto row = columns<QPoint, int, bool, int, bool>("move", "held", "disabled", "position", "scrolls");
         row("quick tap", QPoint(), 0, false, 2, false);
         row("slow tap", QPoint(), 200, false, 2, false);
         row("quick drag sideways", QPoint(-140, 0), 0, false, 1, false);
@@ -154,19 +151,16 @@ private slots:
     }
 
     void gesturesOnASwitch() {
-        QFETCH(QPoint, move);
-        QFETCH(int, held);
-        QFETCH(bool, disabled);
+        const auto [move, held, disabled] = cells<QPoint, int, bool>();
         SlideSwitch* mark = cell(1)->mark;
         QSignalSpy changed(mark, &SwitchControl::positionChanged);
         mTable->setEnabled(!disabled);
         const QImage atRest = mark->grab().toImage();
         const QPoint from = mark->mapTo(mScreen.get(), mark->itemPlace(2).center());
-        Finger finger(mScreen.get());
-        finger.press(mScreen.get(), from);
+        mScreen->press(mScreen.get(), from);
         QTest::qWait(held);  // the finger rests
-        finger.go(mScreen.get(), from, from + move);
-        finger.lift(mScreen.get(), from + move);
+        mScreen->go(mScreen.get(), from, from + move);
+        mScreen->lift(mScreen.get(), from + move);
         QTEST(mark->position(), "position");
         QCOMPARE(int(changed.count()), mark->position() == 0 ? 0 : 1);
         QTEST(mTable->scrollPosition() > 0, "scrolls");
@@ -222,19 +216,23 @@ private slots:
     }
 
     void staysRightWhileRowsAreMade_data() {
-        columns<std::function<void()>, int, int>("change", "rows", "reused");
-        row("another model", std::function([this] { mTable->setModel(&mModel); }), 10, 0);
-        row("reload", std::function([this] { mTable->reload(); }), kSeveralTurns, 1);
-        row("another width", std::function([this] { mTable->setWidth(450); }), kSeveralTurns, 0);
-        row("no controller", std::function([this] { mTable->setController(nullptr); }), 0, 0);
-        row("the controller deleted", std::function([this] { mController.reset(); }), -1, 0);
-        row("the table deleted", std::function([this] { delete mTable; }), -1, 0);
+        const auto row = columns<std::function<void()>, int, int>("change", "rows", "reused");
+        row(
+            "another model", [this] { mTable->setModel(&mModel); }, 10, 0);
+        row(
+            "reload", [this] { mTable->reload(); }, kSeveralTurns, 1);
+        row(
+            "another width", [this] { mTable->setWidth(450); }, kSeveralTurns, 0);
+        row(
+            "no controller", [this] { mTable->setController(nullptr); }, 0, 0);
+        row(
+            "the controller deleted", [this] { mController.reset(); }, -1, 0);
+        row(
+            "the table deleted", [this] { delete mTable; }, -1, 0);
     }
 
     void staysRightWhileRowsAreMade() {
-        QFETCH(std::function<void()>, change);
-        QFETCH(int, rows);
-        QFETCH(int, reused);
+        const auto [change, rows, reused] = cells<std::function<void()>, int, int>();
         Model many(kSeveralTurns);
         mTable->setModel(&many);
         QCoreApplication::processEvents();
@@ -254,18 +252,17 @@ private slots:
     }
 
     void tellsATouchedRow() {
-        Finger(mScreen.get()).tap(cell(1), {300, 20});
+        mScreen->tap(cell(1), {300, 20});
         QTRY_COMPARE(mController->selected, QList<int>{1});
     }
 
     void staysAliveWhenDeletedInAGesture() {
-        Finger finger(mScreen.get());
-        finger.press(mTable, {200, 280});
-        finger.go(mTable, {200, 280}, {200, 150});
+        mScreen->press(mTable, {200, 280});
+        mScreen->go(mTable, {200, 280}, {200, 150});
         const QPoint place = mTable->pos();
         delete mTable;
-        finger.moveTo(mApp, place + QPoint(200, 100));
-        finger.lift(mApp, place + QPoint(200, 100));
+        mScreen->moveTo(mApp, place + QPoint(200, 100));
+        mScreen->lift(mApp, place + QPoint(200, 100));
         QCOMPARE(mApp->childViews().size(), 0);
     }
 
@@ -274,7 +271,7 @@ private:
     // In the screen.
     QRect placeOf(const QWidget* view) const { return {view->mapTo(mScreen.get(), QPoint()), view->size()}; }
 
-    std::unique_ptr<DisplayView> mScreen;
+    std::unique_ptr<TouchScreen> mScreen;
     DisplayView* mApp = nullptr;
     TableView* mTable = nullptr;
     std::unique_ptr<Controller> mController;

@@ -55,7 +55,7 @@ private slots:
     }
 
     void remembersValueBeforeLastChange_data() {
-        columns<QVariantList, int, bool>("settings", "previous", "wasValid");
+        const auto row = columns<QVariantList, int, bool>("settings", "previous", "wasValid");
         row("first", QVariantList{1}, 0, false);
         row("set again", QVariantList{1, 2, 2}, 1, true);
         row("first again", QVariantList{1, 1}, 0, false);
@@ -64,8 +64,7 @@ private slots:
     }
 
     void remembersValueBeforeLastChange() {
-        QFETCH(QVariantList, settings);
-        QFETCH(bool, wasValid);
+        const auto [settings, previous, wasValid] = cells<QVariantList, int, bool>();
         IntDataValue value("PREVIOUS");
         for (const QVariant& setting : settings) {
             const DataValue::EventLocker locker(&value);
@@ -73,7 +72,7 @@ private slots:
         }
         QCOMPARE(value.wasPreviousValid(), wasValid);
         if (wasValid)
-            QTEST(value.previousValue(), "previous");
+            QCOMPARE(value.previousValue(), previous);
     }
 
     // A slot that waits for another thread which reads a value would wait for good under the lock.
@@ -99,7 +98,7 @@ private slots:
     }
 
     void writesValues_data() {
-        columns<QVariant, QString>("value", "text");
+        const auto row = columns<QVariant, QString>("value", "text");
         const QList<QPair<QVariant, const char*>> rows = {
             {-1.0, "-1.0"},      {0.1 + 0.2, "0.30000000000000004"}, {1e300, "1.0e+300"},
             {1.5e-7, "1.5e-07"}, {-2147483647, "-2147483647"},       {true, "true"},

@@ -1,4 +1,4 @@
-#include "tests/HelixDash/views/Finger.h"
+#include "tests/HelixDash/views/TouchScreen.h"
 #include "tests/support/Rows.h"
 
 #include <HelixDash/views/ButtonView.h>
@@ -20,15 +20,13 @@ class TestControls : public QObject {
 
 private slots:
     void init() {
-        mScreen = std::make_unique<DisplayView>();
-        mScreen->resize(800, 700);
-        mScreen->show(true);
-        QVERIFY(QTest::qWaitForWindowExposed(mScreen.get()));
+        mScreen = std::make_unique<TouchScreen>(800, 700);
+        QVERIFY(mScreen->appears());
     }
     void cleanup() { mScreen.reset(); }
 
     void buttonActs_data() {
-        columns<QString, int>("steps", "times");
+        const auto row = columns<QString, int>("steps", "times");
         row("tap", "press lift", 1);
         row("slid off", "press off lift-off", 0);
         row("slid off and back", "press off on lift", 1);
@@ -53,14 +51,13 @@ private slots:
         auto* button = new ButtonView("Start", parent);
         button->move(100, 100);
         QSignalSpy acted(button, &ControlBase::released);
-        Finger finger(mScreen.get());
         const QPoint kOff(-40, -40);
         const QHash<QString, std::function<void()>> actions{
-            {"press", [&] { finger.press(button); }},
-            {"on", [&] { finger.moveTo(button, Finger::middle(button)); }},
-            {"off", [&] { finger.moveTo(button, kOff); }},
-            {"lift", [&] { finger.lift(button); }},
-            {"lift-off", [&] { finger.lift(button, kOff); }},
+            {"press", [&] { mScreen->press(button); }},
+            {"on", [&] { mScreen->moveTo(button, TouchScreen::middle(button)); }},
+            {"off", [&] { mScreen->moveTo(button, kOff); }},
+            {"lift", [&] { mScreen->lift(button); }},
+            {"lift-off", [&] { mScreen->lift(button, kOff); }},
             {"touched", [&] { button->touched(); }},
             {"released", [&] { button->released(); }},
             {"show", [&] { button->show(true); }},
@@ -85,10 +82,9 @@ private slots:
         right->move(150, 0);
         QSignalSpy leftActed(left, &ControlBase::released);
         QSignalSpy rightActed(right, &ControlBase::released);
-        Finger finger(mScreen.get());
-        finger.tap(mScreen.get(), {155, 35});
+        mScreen->tap(mScreen.get(), {155, 35});
         QCOMPARE(leftActed.count(), 1);
-        finger.tap(mScreen.get(), {165, 35});
+        mScreen->tap(mScreen.get(), {165, 35});
         QCOMPARE(rightActed.count(), 1);
     }
 
@@ -108,11 +104,7 @@ private slots:
     }
 
     void switchFollowsGestures() {
-        QFETCH(bool, vertical);
-        QFETCH(int, from);
-        QFETCH(int, fingerDown);
-        QFETCH(int, fingerUp);
-        QFETCH(int, beside);
+        const auto [vertical, from, fingerDown, fingerUp, beside] = cells<bool, int, int, int, int>();
         SwitchControl* control = vertical ? static_cast<SwitchControl*>(new VerticalSlideSwitch(mScreen.get(), kItems))
                                           : new SlideSwitch(mScreen.get(), kItems);
         control->move(200, 300);
@@ -121,7 +113,7 @@ private slots:
         const QPoint down = control->itemPlace(fingerDown).center();
         const QPoint step = control->itemPlace(1).center() - control->itemPlace(0).center();
         const QPoint across = vertical ? QPoint(beside, 0) : QPoint(0, beside);
-        Finger(mScreen.get()).drag(control, down, down + (fingerUp - fingerDown) * step + across);
+        mScreen->drag(control, down, down + (fingerUp - fingerDown) * step + across);
         QTEST(control->position(), "position");
         QCOMPARE(int(changed.count()), control->position() == from ? 0 : 1);
         if (!changed.isEmpty())
@@ -132,13 +124,12 @@ private slots:
         auto* control = new SlideSwitch(mScreen.get(), kItems);
         QSignalSpy changed(control, &SwitchControl::positionChanged);
         const QImage atRest = control->grab().toImage();
-        Finger finger(mScreen.get());
-        finger.press(control, control->itemPlace(0).center());
-        finger.moveTo(control, control->itemPlace(2).center());
+        mScreen->press(control, control->itemPlace(0).center());
+        mScreen->moveTo(control, control->itemPlace(2).center());
         QVERIFY(control->grab().toImage() != atRest);
         control->setEnabled(false);
         control->setEnabled(true);
-        finger.lift(control, control->itemPlace(2).center());
+        mScreen->lift(control, control->itemPlace(2).center());
         QCOMPARE(control->grab().toImage(), atRest);
         QCOMPARE(changed.count(), 0);
     }
@@ -149,10 +140,9 @@ private slots:
         picker->setChoices({"2.7kHz", "5.4kHz", "10.7kHz", "21.5kHz"});
         picker->setChoice(2);
         QSignalSpy changed(picker, &DropDownPicker::choiceChanged);
-        Finger finger(mScreen.get());
-        finger.tap(picker);
+        mScreen->tap(picker);
         QVERIFY(picker->isOpen());
-        finger.tap(picker->list()->contentView()->childViews().at(3));
+        mScreen->tap(picker->list()->contentView()->childViews().at(3));
         QTRY_COMPARE(picker->choice(), 3);
         QVERIFY(!picker->isOpen());
         picker->setChoice(17);
@@ -162,11 +152,11 @@ private slots:
         auto* beside = new ButtonView("Stop", mScreen.get());
         beside->move(400, 0);
         QSignalSpy acted(beside, &ControlBase::released);
-        finger.tap(picker);
-        finger.tap(beside);
+        mScreen->tap(picker);
+        mScreen->tap(beside);
         QVERIFY(!picker->isOpen());
         QCOMPARE(acted.count(), 0);
-        finger.tap(beside);
+        mScreen->tap(beside);
         QCOMPARE(acted.count(), 1);
     }
 
@@ -194,8 +184,7 @@ private slots:
     }
 
     void survivesDeletionInAGesture() {
-        QFETCH(QString, kind);
-        QFETCH(bool, bySlot);
+        const auto [kind, bySlot] = cells<QString, bool>();
         auto* behind = new ButtonView("behind", mScreen.get());
         behind->resize(400, 400);
         QSignalSpy behindActed(behind, &ControlBase::released);
@@ -214,19 +203,18 @@ private slots:
         }
         if (bySlot)
             connect(control, &ControlBase::released, this, [&] { delete control; });
-        Finger finger(mScreen.get());
-        finger.press(mScreen.get(), place);
+        mScreen->press(mScreen.get(), place);
         if (!bySlot)
             delete control;
-        finger.lift(mScreen.get(), place);
+        mScreen->lift(mScreen.get(), place);
         QTRY_VERIFY(!control);
         QCOMPARE(behindActed.count(), 0);
-        finger.tap(behind, {200, 350});
+        mScreen->tap(behind, {200, 350});
         QCOMPARE(behindActed.count(), 1);
     }
 
 private:
-    std::unique_ptr<DisplayView> mScreen;
+    std::unique_ptr<TouchScreen> mScreen;
 };
 
 QTEST_MAIN(TestControls)

@@ -1,4 +1,4 @@
-#include "tests/HelixDash/views/Finger.h"
+#include "tests/HelixDash/views/TouchScreen.h"
 #include "tests/support/Rows.h"
 
 #include <HelixDash/views/ButtonView.h>
@@ -16,15 +16,13 @@ class TestPopup : public QObject {
 
 private slots:
     void init() {
-        mScreen = std::make_unique<DisplayView>();
-        mScreen->resize(800, 700);
+        mScreen = std::make_unique<TouchScreen>(800, 700);
         mTitle = new DisplayView(mScreen.get());
         mTitle->resize(800, 60);
         mApp = new DisplayView(mScreen.get());
         mApp->resize(800, 640);
         mApp->move(0, 60);
-        mScreen->show(true);
-        QVERIFY(QTest::qWaitForWindowExposed(mScreen.get()));
+        QVERIFY(mScreen->appears());
     }
     void cleanup() { mScreen.reset(); }
 
@@ -39,29 +37,27 @@ private slots:
     }
 
     void takesTheTouchThatClosesIt_data() {
-        columns<QPoint, bool>("place", "inTitle");
+        const auto row = columns<QPoint, bool>("place", "inTitle");
         row("on it", QPoint(380, 300), false);
         row("beside it", QPoint(20, 20), false);
         row("outside its parent", QPoint(20, 0), true);
     }
 
     void takesTheTouchThatClosesIt() {
-        QFETCH(QPoint, place);
-        QFETCH(bool, inTitle);
+        const auto [place, inTitle] = cells<QPoint, bool>();
         auto* button = new ButtonView("Start", inTitle ? mTitle : mApp);
         button->resize(100, 50);
         button->move(place.x(), place.y());
         QSignalSpy acted(button, &ControlBase::released);
         QPointer<PopupView> popup = new PopupView(mApp, 20, 5);
         popup->resize(300, 200);
-        Finger finger(mScreen.get());
-        finger.press(button);
+        mScreen->press(button);
         QTRY_VERIFY(!popup);
-        finger.moveTo(button, {30, 30});
+        mScreen->moveTo(button, {30, 30});
         QVERIFY(!button->isPressed());
-        finger.lift(button);
+        mScreen->lift(button);
         QCOMPARE(acted.count(), 0);
-        finger.tap(button);
+        mScreen->tap(button);
         QCOMPARE(acted.count(), 1);
     }
 
@@ -74,12 +70,11 @@ private slots:
     }
 
     void closesWithItsParent_data() {
-        columns<std::function<void(DisplayView*)>>("end");
-        QTest::newRow("disabled") << std::function(
-            [](DisplayView* app) { app->childViews().last()->setEnabled(false); });
-        row("parent disabled", std::function([](DisplayView* app) { app->setEnabled(false); }));
-        row("parent hidden", std::function([](DisplayView* app) { app->show(false); }));
-        row("parent deleted", std::function([](DisplayView* app) { delete app; }));
+        const auto row = columns<std::function<void(DisplayView*)>>("end");
+        row("disabled", [](DisplayView* app) { app->childViews().last()->setEnabled(false); });
+        row("parent disabled", [](DisplayView* app) { app->setEnabled(false); });
+        row("parent hidden", [](DisplayView* app) { app->show(false); });
+        row("parent deleted", [](DisplayView* app) { delete app; });
     }
 
     void closesWithItsParent() {
@@ -89,12 +84,12 @@ private slots:
         QPointer<PopupView> popup = new PopupView(mApp, 20, 5);
         end(mApp);
         QTRY_VERIFY(!popup);
-        Finger(mScreen.get()).tap(button);
+        mScreen->tap(button);
         QCOMPARE(acted.count(), 1);
     }
 
 private:
-    std::unique_ptr<DisplayView> mScreen;
+    std::unique_ptr<TouchScreen> mScreen;
     DisplayView* mTitle = nullptr;
     DisplayView* mApp = nullptr;
 };

@@ -49,7 +49,7 @@ class TestViews : public QObject {
 
 private slots:
     void notifiesOncePerTransition_data() {
-        columns<QString, QString, bool, bool>("steps", "told", "visible", "enabled");
+        const auto row = columns<QString, QString, bool, bool>("steps", "told", "visible", "enabled");
         row("as made", "show enable", "", true, true);
         row("hidden", "hide hide", "hidden", false, true);
         row("hidden by Qt", "QWidget::hide hide", "hidden", false, true);
@@ -100,7 +100,7 @@ private slots:
     void labelShowsMarkupAsText() { QVERIFY(LabelView("<b>x</b>").width() > 4 * LabelView("x").width()); }
 
     void labelNeverClips_data() {
-        columns<QString, int>("text", "width");
+        const auto row = columns<QString, int>("text", "width");
         row("one word", "Waiting", 425);
         row("sentences", QString("The factory server has refused the package. ").repeated(20), 425);
         row("no blank", QString(3000, 'W'), 425);
@@ -111,8 +111,7 @@ private slots:
 
     // A label that has just the size it asked for shows as much ink as one with room to spare on all sides.
     void labelNeverClips() {
-        QFETCH(QString, text);
-        QFETCH(int, width);
+        const auto [text, width] = cells<QString, int>();
         LabelView label(text);
         label.setBackgroundColor("panel");
         label.setStyle("Alignment:wordwrap|center|top; FontSize:25");
@@ -130,7 +129,7 @@ private slots:
     }
 
     void aLongTextNeverStopsTheScreen_data() {
-        columns<QString, QString, int>("text", "alignment", "leastLines");
+        const auto row = columns<QString, QString, int>("text", "alignment", "leastLines");
         const QString words = QString("The factory server has refused the package. ").repeated(1490);
         row("words", words, "center|top", 2500);
         row("words at the left", words, "left|top", 2500);
@@ -145,9 +144,7 @@ private slots:
 
     // What comes at the end of a long text looks as it does alone, and can be scrolled to.
     void aLongTextNeverStopsTheScreen() {
-        QFETCH(QString, text);
-        QFETCH(QString, alignment);
-        QFETCH(int, leastLines);
+        const auto [text, alignment, leastLines] = cells<QString, QString, int>();
         const QString end =
             "\nthe last words of an answer, kept on the screen" + QString("\n- and a line").repeated(20);
         const QString style = "Alignment:wordwrap|" + alignment + "; Padding:12; FontSize:25";
@@ -187,7 +184,7 @@ private slots:
     }
 
     void aBoxOfLongTextNeverStopsTheScreen_data() {
-        columns<QString>("text");
+        const auto row = columns<QString>("text");
         row("sentence", QString("The factory server has refused the package. ").repeated(1490));
         row("one word", QString(65536, 'W'));
         row("a word to be shaped", QString(990, 'W'));
@@ -208,7 +205,7 @@ private slots:
     }
 
     void textContrastsWithWhatLiesBehind_data() {
-        columns<QString, QString>("text", "surface");
+        const auto row = columns<QString, QString>("text", "surface");
         for (const char* text : {"black", "quiet", "faded", "red", "battery/green", "battery/red", "battery/blue"}) {
             for (const char* surface : {"screen", "panel"})
                 QTest::addRow("%s on %s", text, surface) << text << surface;
@@ -223,8 +220,7 @@ private slots:
     }
 
     void textContrastsWithWhatLiesBehind() {
-        QFETCH(QString, text);
-        QFETCH(QString, surface);
+        const auto [text, surface] = cells<QString, QString>();
         QVERIFY(SkinColor::has(text) && SkinColor::has(surface));
         QCOMPARE(SkinColor::contrast(Qt::black, Qt::white), 21.0);
         const double contrast = SkinColor::contrast(SkinColor::color(text), SkinColor::color(surface));

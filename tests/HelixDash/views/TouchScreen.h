@@ -1,23 +1,28 @@
 #pragma once
 
-// A finger on the screen: pointer events to the window, which finds out by itself who gets them.
-
 #include <HelixDash/views/DisplayView.h>
 
 #include <QTest>
 #include <QWindow>
 
-class Finger {
+// A screen and the finger on it: pointer events to the window, which finds out by itself who gets them.
+class TouchScreen : public DisplayView {
 public:
-    explicit Finger(DisplayView* screen) : mScreen(screen) {}
+    TouchScreen(int width, int height) { resize(width, height); }
+
+    // Once all is there that is to be seen at first; false if it does not get to the display.
+    bool appears() {
+        show(true);
+        return QTest::qWaitForWindowExposed(this);
+    }
 
     static QPoint middle(const QWidget* view) { return view->rect().center(); }
 
     void press(const QWidget* view, const QPoint& place) {
-        QTest::mousePress(window(), Qt::LeftButton, {}, at(view, place));
+        QTest::mousePress(windowHandle(), Qt::LeftButton, {}, at(view, place));
     }
     void press(const QWidget* view) { press(view, middle(view)); }
-    void moveTo(const QWidget* view, const QPoint& place) { QTest::mouseMove(window(), at(view, place)); }
+    void moveTo(const QWidget* view, const QPoint& place) { QTest::mouseMove(windowHandle(), at(view, place)); }
     // In steps of a touch panel's pace.
     void go(const QWidget* view, const QPoint& from, const QPoint& to) {
         constexpr int kSteps = 8;
@@ -27,7 +32,7 @@ public:
         }
     }
     void lift(const QWidget* view, const QPoint& place) {
-        QTest::mouseRelease(window(), Qt::LeftButton, {}, at(view, place));
+        QTest::mouseRelease(windowHandle(), Qt::LeftButton, {}, at(view, place));
     }
     void lift(const QWidget* view) { lift(view, middle(view)); }
     void tap(const QWidget* view, const QPoint& place) {
@@ -42,8 +47,5 @@ public:
     }
 
 private:
-    QPoint at(const QWidget* view, const QPoint& place) const { return view->mapTo(mScreen, place); }
-    QWindow* window() const { return mScreen->windowHandle(); }
-
-    DisplayView* mScreen;
+    QPoint at(const QWidget* view, const QPoint& place) const { return view->mapTo(this, place); }
 };
