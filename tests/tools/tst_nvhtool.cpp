@@ -64,16 +64,14 @@ private slots:
     }
 
     void endsRunAtInterrupt_data() {
-        columns<int, QString, QString, int>("signal", "fate", "output", "packages");
+        const auto row = columns<int, QString, QString, int>("signal", "fate", "output", "packages");
         row("saved", SIGINT, "--save", "^/tmp/TEST1VEHICLE00001-Invalid-v3.0_pass-CAR_WOT-\\d+\\.tgz\n$", 1);
         row("uploaded", SIGTERM, "--upload", "^Well\\\\x1bdriven\n$", 0);
         row("discarded", SIGHUP, "--discard", "^$", 0);
     }
 
     void endsRunAtInterrupt() {
-        QFETCH(int, signal);
-        QFETCH(QString, fate);
-        QFETCH(QString, output);
+        const auto [signal, fate, output] = cells<int, QString, QString>();
         mServer->answer({kStored, QByteArray(kPosted).replace("Well ", "Well\\u001b")});
         QCOMPARE(record({fate}, signal), 0);
         QVERIFY2(QRegularExpression(output).match(mOutput).hasMatch(), qPrintable(mOutput));
@@ -82,7 +80,7 @@ private slots:
     }
 
     void endsOtherCommandsAtInterrupt_data() {
-        columns<int, QStringList, int>("signal", "arguments", "packages");
+        const auto row = columns<int, QStringList, int>("signal", "arguments", "packages");
         row("analysis", SIGINT, QStringList("analyse"), 1);
         row("analysis, terminated", SIGTERM, QStringList("analyse"), 1);
         row("upload", SIGTERM, QStringList{"packages", "--upload"}, 1);
@@ -90,8 +88,7 @@ private slots:
     }
 
     void endsOtherCommandsAtInterrupt() {
-        QFETCH(int, signal);
-        QFETCH(QStringList, arguments);
+        const auto [signal, arguments] = cells<int, QStringList>();
         installProgram("/usr/local/bin/whine", kWaits);
         replaceProgram("curl", kWaits);
         writeFile("/tmp/recording.wav", kFinished);
@@ -102,7 +99,7 @@ private slots:
     }
 
     void packsWhatDyingRecorderLeft_data() {
-        columns<QString, QString>("trouble", "reason");
+        const auto row = columns<QString, QString>("trouble", "reason");
         row("full disk", "full", "the recorder failed: write error: No space left on device");
         row("crash", "crash", "the recorder failed: /usr/bin/arecord crashed");
         row("deaf", "deaf", "the recorder failed: /usr/bin/arecord did not end and was killed");
@@ -110,8 +107,7 @@ private slots:
     }
 
     void packsWhatDyingRecorderLeft() {
-        QFETCH(QString, trouble);
-        QFETCH(QString, reason);
+        const auto [trouble, reason] = cells<QString, QString>();
         qputenv("NVH_RECORDER", trouble.toLatin1());
         if (trouble == "deaf")
             installProgram("/usr/bin/arecord", "trap '' TERM; cp /tmp/recorder-sound " +
@@ -126,20 +122,17 @@ private slots:
     }
 
     void saysWhyRunFailed_data() {
-        columns<QString, QString, QByteArrayList, QString>("trouble", "fate", "answers", "reason");
+        const auto row = columns<QString, QString, QByteArrayList, QString>("trouble", "fate", "answers", "reason");
         const QString kept = "; the package is kept: /tmp/TEST1VEHICLE00001-\\S+\\.tgz";
         const QString rescued = " could not be started; the files are kept in /tmp/TEST1VEHICLE00001-\\S+\\.rescue";
-        row("no device", "refuse", "--save", QByteArrayList(),
-            "the recorder failed: audio open error: No such file or directory");
-        row("no recorder", "arecord", "--save", QByteArrayList(),
-            "the recorder failed: /usr/bin/arecord could not be started");
-        row("no tar", "tar", "--save", QByteArrayList(), "tar" + rescued);
-        row("tar complains", "complaint", "--save", QByteArrayList(),
+        row("no device", "refuse", "--save", {}, "the recorder failed: audio open error: No such file or directory");
+        row("no recorder", "arecord", "--save", {}, "the recorder failed: /usr/bin/arecord could not be started");
+        row("no tar", "tar", "--save", {}, "tar" + rescued);
+        row("tar complains", "complaint", "--save", {},
             "tar failed: tar: no room; the files are kept in /tmp/TEST1VEHICLE00001-\\S+\\.rescue");
-        row("no gzip", "gzip", "--save", QByteArrayList(), "gzip" + rescued);
-        row("no curl", "curl", "--upload", QByteArrayList(), "curl could not be started" + kept);
-        row("no server", "server", "--upload", QByteArrayList(),
-            "upload failed: no answer from http://\\S+/vdt/upload" + kept);
+        row("no gzip", "gzip", "--save", {}, "gzip" + rescued);
+        row("no curl", "curl", "--upload", {}, "curl could not be started" + kept);
+        row("no server", "server", "--upload", {}, "upload failed: no answer from http://\\S+/vdt/upload" + kept);
         row("no URL", "", "--upload", QByteArrayList{"HTTP/1.1 200 OK\r\n\r\n"},
             "upload failed: http://\\S+/vdt/upload answered \"HTTP/1.1 200 OK\"" + kept);
         row("interim answer", "", "--upload",
@@ -150,10 +143,7 @@ private slots:
     }
 
     void saysWhyRunFailed() {
-        QFETCH(QString, trouble);
-        QFETCH(QString, fate);
-        QFETCH(QByteArrayList, answers);
-        QFETCH(QString, reason);
+        const auto [trouble, fate, answers, reason] = cells<QString, QString, QByteArrayList, QString>();
         if (trouble == "arecord")
             QFile::remove("/usr/bin/arecord");
         else if (trouble == "server")
@@ -196,26 +186,24 @@ private slots:
     }
 
     void analyses_data() {
-        columns<QByteArray, QString, int, QString>("script", "output", "status", "lastWords");
+        const auto row = columns<QByteArray, QString, int, QString>("script", "output", "status", "lastWords");
         const QByteArray table = "printf '100\\t1 -40 900\\n'; echo speed >&2; ";
         row("done", table, "100\t1 -40 900\n", 0, "packed: /tmp/TEST1VEHICLE00001-Invalid-v3.0_pass-CAR_65MPH-");
         row("failed", table + "exit 3", "100\t1 -40 900\n", 1, "the analysis program failed with exit status 3");
-        row("crashed", QByteArray("kill -9 $$"), "", 1, "the analysis program crashed");
-        row("too slow", QByteArray("exec sleep 60"), "", 1, "the analysis program was killed after 300 ms");
-        row("absent", QByteArray(), "", 1, "the analysis program could not be started; nothing is packed");
+        row("crashed", "kill -9 $$", "", 1, "the analysis program crashed");
+        row("too slow", "exec sleep 60", "", 1, "the analysis program was killed after 300 ms");
+        row("absent", {}, "", 1, "the analysis program could not be started; nothing is packed");
     }
 
     void analyses() {
-        QFETCH(QByteArray, script);
-        QFETCH(int, status);
-        QFETCH(QString, lastWords);
+        const auto [script, output, status, lastWords] = cells<QByteArray, QString, int, QString>();
         QFile::remove("/usr/local/bin/whine");
         if (!script.isEmpty())
             installProgram("/usr/local/bin/whine", "echo \"$*\" > /tmp/nvh-wheelspeeds.txt; " + script);
         configure("nvh/timeout_ms", script.contains("sleep") ? 300 : 30000);
         writeFile("/tmp/recording.wav", kFinished);
         QCOMPARE(run({"analyse", "--type", "65 MPH", "--channel", "right", "--fft", "16384"}), status);
-        QTEST(mOutput, "output");
+        QCOMPARE(mOutput, output);
         QCOMPARE(mErrors.filter("nvh-tool: " + lastWords).size(), 1);
         QCOMPARE(mErrors.contains("nvh-tool: speed"), script.contains("speed"));
         QCOMPARE(savedPackages(), script.isEmpty() ? 0 : 1);
@@ -235,23 +223,20 @@ private slots:
     }
 
     void judges_data() {
-        columns<QByteArray, QString, int, QString>("table", "threshold", "status", "said");
-        row("above", QByteArray("1000 0 5.1 0\n"), "5.0", 1, "");
-        row("at the threshold", QByteArray("1000 0 5.1 0\n"), "5.1", 0, "");
-        row("with a heading", QByteArray("Hz order dB RPM\n1000 0 -1 0"), "0", 0, "");
-        row("empty", QByteArray(), "-1", 0, "-: the table is empty");
-        row("prose", QByteArray("\nno such\nfile\n"), "5", 2, "-: line 2: no table");
-        row("prose, failing", QByteArray("no such file"), "-1", 2, "-: line 1: no table");
-        row("shifted", QByteArray(" 1000 0 5.1 0\n"), "5", 2, "-: line 1: no table");
-        row("cut", QByteArray("900 0 1 0\n1000 0 5\n\n"), "5.1", 2, "-: line 2: cut off");
-        row("cut behind a failure", QByteArray("900 0 9 0\n1000 0 5"), "5.1", 1, "");
+        const auto row = columns<QByteArray, QString, int, QString>("table", "threshold", "status", "said");
+        row("above", "1000 0 5.1 0\n", "5.0", 1, "");
+        row("at the threshold", "1000 0 5.1 0\n", "5.1", 0, "");
+        row("with a heading", "Hz order dB RPM\n1000 0 -1 0", "0", 0, "");
+        row("empty", {}, "-1", 0, "-: the table is empty");
+        row("prose", "\nno such\nfile\n", "5", 2, "-: line 2: no table");
+        row("prose, failing", "no such file", "-1", 2, "-: line 1: no table");
+        row("shifted", " 1000 0 5.1 0\n", "5", 2, "-: line 1: no table");
+        row("cut", "900 0 1 0\n1000 0 5\n\n", "5.1", 2, "-: line 2: cut off");
+        row("cut behind a failure", "900 0 9 0\n1000 0 5", "5.1", 1, "");
     }
 
     void judges() {
-        QFETCH(QByteArray, table);
-        QFETCH(QString, threshold);
-        QFETCH(int, status);
-        QFETCH(QString, said);
+        const auto [table, threshold, status, said] = cells<QByteArray, QString, int, QString>();
         QCOMPARE(run({"judge", "-", "--band", "0:1000", "--threshold=" + threshold}, table), status);
         QCOMPARE(mOutput, QStringList({"PASS\n", "FAIL\n", ""})[status]);
         QCOMPARE(mErrors.size(), said.isEmpty() ? 0 : 1);
@@ -259,19 +244,17 @@ private slots:
     }
 
     void repairsWavFiles_data() {
-        columns<QByteArray, qint64, QByteArray, QString>("header", "size", "sizes", "reason");
+        const auto row = columns<QByteArray, qint64, QByteArray, QString>("header", "size", "sizes", "reason");
         row("cut off", kUnfinished, qint64(48), QByteArray("\x28\0\0\0\4\0\0\0", 8), "");
         row("chunk behind the data", kFinished, qint64(60), QByteArray("\x34\0\0\0\4\0\0\0", 8), "");
         row("cut off behind 2 GiB", kUnfinished, (qint64(1) << 31) + 10, QByteArray("\2\0\0\x80\xde\xff\xff\x7f", 8),
             "");
-        row("prose", QByteArray("no sound, but forty-four bytes and some more of it"), qint64(50),
-            QByteArray("oundmore"), "no WAV file with the plain header of 44 bytes");
+        row("prose", "no sound, but forty-four bytes and some more of it", qint64(50), "oundmore",
+            "no WAV file with the plain header of 44 bytes");
     }
 
     void repairsWavFiles() {
-        QFETCH(QByteArray, header);
-        QFETCH(qint64, size);
-        QFETCH(QString, reason);
+        const auto [header, size, sizes, reason] = cells<QByteArray, qint64, QByteArray, QString>();
         writeFile("/tmp/a.wav", header);
         QVERIFY(QFile::resize("/tmp/a.wav", size));
         QCOMPARE(run({"repair-wav", "/tmp/a.wav"}), reason.isEmpty() ? 0 : 1);
@@ -280,7 +263,7 @@ private slots:
         QFile file("/tmp/a.wav");
         QVERIFY(file.open(QIODevice::ReadOnly) && file.size() == size);
         const QByteArray after = file.read(kUnfinished.size());
-        QTEST(after.mid(4, 4) + after.mid(40), "sizes");
+        QCOMPARE(after.mid(4, 4) + after.mid(40), sizes);
     }
 
     void repairsNoPipe() {
@@ -293,7 +276,7 @@ private slots:
     }
 
     void refusesUnusableArguments_data() {
-        columns<QString>("reason");
+        const auto row = columns<QString>("reason");
         const QString refusals =
             "=no command is named|fly=no command \"fly\"|packages all=unexpected \"all\"|repair-wav=no file is named|"
             "record --save=--type: \"\" is none of 35 MPH, 42-43 Steady|record --type wot --save=--type: \"wot\"|"

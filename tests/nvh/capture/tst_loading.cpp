@@ -1,8 +1,7 @@
 // The library as a host loads it: by its path, before there is an application object.
 
+#include "tests/support/Files.h"
 #include "tests/support/Rows.h"
-
-#include <QFile>
 
 #include <dlfcn.h>
 #include <fcntl.h>
@@ -17,7 +16,7 @@ private slots:
 
     void truncatesTraceFileAtEachLoad() {
         for (int load = 0; load < 2; ++load) {
-            write("/tmp/NVHLog.txt", "from before");
+            writeFile("/tmp/NVHLog.txt", "from before");
             void* library = dlopen(NVH_LIB_DIR "/libNVH.so.1", RTLD_NOW | RTLD_LOCAL);
             QVERIFY2(library, dlerror());
             QCOMPARE(QFile("/tmp/NVHLog.txt").size(), 0);
@@ -31,7 +30,7 @@ private slots:
     }
 
     void leavesAloneWhatIsNotItsTraceFile_data() {
-        columns<QString>("kind");
+        const auto row = columns<QString>("kind");
         for (const char* kind : {"link", "second name", "FIFO", "directory"})
             row(kind, QString(kind));
     }
@@ -39,7 +38,7 @@ private slots:
     void leavesAloneWhatIsNotItsTraceFile() {
         QFETCH(QString, kind);
         const char* name = "/tmp/NVHLog.txt";
-        write("/tmp/precious", "precious");
+        writeFile("/tmp/precious", "precious");
         if (kind == "link")
             QCOMPARE(::symlink("/tmp/precious", name), 0);
         else if (kind == "second name")
@@ -51,18 +50,11 @@ private slots:
         void* library = dlopen(NVH_LIB_DIR "/libNVH.so.1", RTLD_NOW | RTLD_LOCAL);
         QVERIFY2(library, dlerror());
         QCOMPARE(dlclose(library), 0);
-        QFile precious("/tmp/precious");
-        QVERIFY(precious.open(QIODevice::ReadOnly));
-        QCOMPARE(precious.readAll(), QByteArray("precious"));
+        QCOMPARE(readFile("/tmp/precious"), QByteArray("precious"));
         ::rmdir(name);
     }
 
 private:
-    static void write(const char* path, const QByteArray& content) {
-        QFile file(path);
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        QCOMPARE(file.write(content), content.size());
-    }
     // Whether a program that this process started now would have the file.
     static bool isInherited(const QByteArray& path) {
         for (int descriptor = 3; descriptor < 256; ++descriptor) {

@@ -2,13 +2,14 @@
 
 #include "nvh/capture/LoggerRunning.h"
 #include "nvh/capture/NvhCanEth.h"
+#include "tests/support/Files.h"
+#include "tests/support/Rows.h"
 
 #include <HelixDash/services/Logger.h>
 #include <HelixDash/services/RuntimeEnv.h>
 
 #include <QDir>
 #include <QElapsedTimer>
-#include <QFile>
 #include <QProcess>
 #include <QRegularExpression>
 #include <QTemporaryDir>
@@ -95,11 +96,6 @@ class TestNvhCanEth : public QObject {
 
     void send(quint16 port, const QByteArray& bytes) { mGateway.writeDatagram(bytes, QHostAddress::LocalHost, port); }
 
-    QByteArray logged() const {
-        QFile file(mFile);
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-    }
-
     static bool isFree(quint16 port) {
         return QUdpSocket().bind(QHostAddress::AnyIPv4, port, QAbstractSocket::DontShareAddress);
     }
@@ -146,23 +142,19 @@ private slots:
     }
 
     void checksAcknowledgements_data() {
-        QTest::addColumn<int>("wrongBefore");
-        QTest::addColumn<QByteArray>("ack");
-        QTest::addColumn<bool>("accepted");
-        QTest::newRow("exact") << 0 << kAck << true;
-        QTest::newRow("long") << 0 << kAck + QByteArray(1400, 'x') << true;
-        QTest::newRow("seventh") << 6 << kAck << true;
-        QTest::newRow("last receive") << kReceivesInAll - 1 << kAck << true;
-        QTest::newRow("too late") << kReceivesInAll << kAck << false;
+        const auto row = columns<int, QByteArray, bool>("wrongBefore", "ack", "accepted");
+        row("exact", 0, kAck, true);
+        row("long", 0, kAck + QByteArray(1400, 'x'), true);
+        row("seventh", 6, kAck, true);
+        row("last receive", kReceivesInAll - 1, kAck, true);
+        row("too late", kReceivesInAll, kAck, false);
         for (const char* bytes : {"", "0000020b010201", "0000020b01030108", "0000020b01020801", "0000020b00020108",
                                   "0000000b01020108", "000000020b01020108", "8f3c77d1a05be2496610fd"})
-            QTest::newRow(*bytes ? bytes : "empty") << 0 << QByteArray::fromHex(bytes) << false;
+            row(*bytes ? bytes : "empty", 0, QByteArray::fromHex(bytes), false);
     }
 
     void checksAcknowledgements() {
-        QFETCH(int, wrongBefore);
-        QFETCH(QByteArray, ack);
-        QFETCH(bool, accepted);
+        const auto [wrongBefore, ack, accepted] = cells<int, QByteArray, bool>();
         mAcks = Datagrams(wrongBefore, kWrongAck) + Datagrams(accepted ? 1 : kReceivesInAll, ack);
         start(mFile);
         QTRY_COMPARE(mEvents, accepted ? QStringList("acknowledged") : kFailedRun);
@@ -178,11 +170,7 @@ private slots:
     }
 
     void logsFrames_data() {
-        QTest::addColumn<Datagrams>("datagrams");
-        QTest::addColumn<QByteArray>("lines");
-        const auto row = [](const char* name, const Datagrams& datagrams, const QByteArray& lines) {
-            QTest::newRow(name) << datagrams << lines;
-        };
+        const auto row = columns<Datagrams, QByteArray>("datagrams", "lines");
         row("bytes", {QByteArray::fromHex("ffffffff 00000064 0001 ffff  02 08 0108 04d2 00112233fc086677")},
             "1234,2300\n");
         row("others",
@@ -200,10 +188,10 @@ private slots:
     }
 
     void logsFrames() {
-        QFETCH(QByteArray, lines);
-        mFrames = *static_cast<Datagrams*>(QTest::qData("datagrams", qMetaTypeId<Datagrams>()));
+        const auto [datagrams, lines] = cells<Datagrams, QByteArray>();
+        mFrames = datagrams;
         start(mFile);
-        QTRY_COMPARE(logged(), lines);
+        QTRY_COMPARE(readFile(mFile), lines);
     }
 
     void reportsSilenceOnce() {
@@ -213,7 +201,7 @@ private slots:
         // What is too short for a header takes the same way out.
         for (const QByteArray& bytes : {QByteArray(), QByteArray(11, '\0'), datagram(9, 1, match(1))})
             send(canEth::kDataPort, bytes);
-        QTRY_COMPARE(logged(), "1,2300\n");
+        QTRY_COMPARE(readFile(mFile), "1,2300\n");
         QCOMPARE(mLog.filter("recvfrom"), QStringList(silence));
     }
 
@@ -225,7 +213,7 @@ private slots:
         QTRY_COMPARE(mLog.filter("Write"), QStringList(2, "ERROR storeCanMessage: Can't Write to File! "));
         QVERIFY(QDir().rmdir(mFile));
         send(canEth::kDataPort, datagram(9, 1, match(3)));
-        QTRY_COMPARE(logged(), "3,2300\n");
+        QTRY_COMPARE(readFile(mFile), "3,2300\n");
         QCOMPARE(mClient->framesLost(), quint64(2));
     }
 
@@ -248,13 +236,7 @@ private slots:
     }
 
     void runsFromTheCommandLine_data() {
-        QTest::addColumn<QString>("arguments");
-        QTest::addColumn<QByteArray>("ack");
-        QTest::addColumn<int>("status");
-        QTest::addColumn<QString>("lastLine");
-        const auto row = [this](const char* arguments, const QByteArray& ack, int status, const QString& lastLine) {
-            QTest::newRow(arguments) << QString(arguments).replace("FILE", mFile) << ack << status << lastLine;
-        };
+        const auto row = columns<QByteArray, int, QString>("ack", "status", "lastLine");
         row("--bus 2 --id 264 --file FILE --seconds 1", kAck, 0, "logged 2 frames in 1\\.\\d s");
         row("--bus 2 --id 0x108 --file FILE", kAck, 0, "logged 2 frames in 0\\.\\d s");
         row("--bus 2 --id 264 --file FILE", kWrongAck, 1, "the gateway at 127.0.0.1 did not acknowledge");
@@ -270,16 +252,14 @@ private slots:
     }
 
     void runsFromTheCommandLine() {
-        QFETCH(QString, arguments);
-        QFETCH(QByteArray, ack);
-        QFETCH(int, status);
-        QFETCH(QString, lastLine);
+        const auto [ack, status, lastLine] = cells<QByteArray, int, QString>();
+        const QString arguments = QString(QTest::currentDataTag()).replace("FILE", mFile);
         mAcks = Datagrams(kReceivesInAll, ack);
         mFrames = {datagram(9, 2, match(1) + match(2))};
         QProcess tool;
         tool.start(NVH_BIN_DIR "/nvh-tool", QStringList("can-log") + arguments.split(' '));
         if (status == 0 && arguments.contains(mFile))
-            QTRY_COMPARE(logged(), "1,2300\n2,2300\n");
+            QTRY_COMPARE(readFile(mFile), "1,2300\n2,2300\n");
         if (status == 0 && !arguments.contains("--seconds"))
             ::kill(pid_t(tool.processId()), SIGINT);
         QTRY_COMPARE(tool.state(), QProcess::NotRunning);

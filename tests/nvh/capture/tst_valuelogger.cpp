@@ -75,15 +75,14 @@ private slots:
     }
 
     void writesNothingOutsideLogging_data() {
-        columns<QString, bool, QStringList>("file", "stoppedFirst", "errors");
-        row("stopped before it started", gLog, true, QStringList());
+        const auto row = columns<QString, bool, QStringList>("file", "stoppedFirst", "errors");
+        row("stopped before it started", gLog, true, {});
         row("not creatable", "/tmp/none/log.txt", false,
             QStringList("ERROR OpenValueStream : Cannot Create File:  /tmp/none/log.txt "));
     }
 
     void writesNothingOutsideLogging() {
-        QFETCH(QString, file);
-        QFETCH(bool, stoppedFirst);
+        auto [file, stoppedFirst] = cells<QString, bool>();
         NvhValueLogger logger(file, rpm());
         QSignalSpy finished(&logger, &NvhValueLogger::finished);
         logger.writeToFile();

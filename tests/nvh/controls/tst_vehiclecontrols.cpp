@@ -5,6 +5,7 @@
 #include "nvh/controls/NVHModeHandler.h"
 #include "nvh/controls/VertSlideSwitch.h"
 #include "tests/support/PrivateMachine.h"
+#include "tests/support/Rows.h"
 
 #include <HelixDash/values/DataValueManager.h>
 
@@ -50,182 +51,161 @@ class TestVehicleControls : public QObject {
 
 private slots:
     void initTestCase() { HostServices::addNamedValues(); }
-    void init();
-    void pressesBoundButton_data();
-    void pressesBoundButton();
-    void followsOnlyWhileShownEnabledAndControlled();
-    void releasesOnlyItsOwnPress();
-    void movesBoundSwitch_data();
-    void movesBoundSwitch();
-    void stopsByBrake_data();
-    void stopsByBrake();
-    void takesAndGivesBackWheel();
-    void leavesWheelThatIsTakenAlready();
-    void noticesLoss();
-};
 
-void TestVehicleControls::init() {
-    for (DataValue* each : DataValueManager::instance().values())
-        setValue(qPrintable(each->name()), QVariant());
-}
+    void init() {
+        for (DataValue* each : DataValueManager::instance().values())
+            setValue(qPrintable(each->name()), QVariant());
+    }
 
-void TestVehicleControls::pressesBoundButton_data() {
-    QTest::addColumn<QByteArray>("before");  // the button listens
-    QTest::addColumn<QByteArray>("after");
-    QTest::addColumn<int>("actions");
-    QTest::addRow("press and release") << QByteArray("f") << QByteArray("tf") << 1;
-    QTest::addRow("becomes invalid while pressed") << QByteArray("f") << QByteArray("t-") << 1;
-    QTest::addRow("held") << QByteArray("f") << QByteArray("t") << 0;
-    QTest::addRow("invalid to false") << QByteArray("-") << QByteArray("f") << 0;
-    QTest::addRow("pressed before it listened") << QByteArray("t") << QByteArray("f") << 0;
-    QTest::addRow("twice") << QByteArray() << QByteArray("tftf") << 2;
-}
+    void pressesBoundButton_data() {
+        const auto row = columns<QByteArray, QByteArray, int>("before", "after", "actions");  // the button listens
+        row("press and release", "f", "tf", 1);
+        row("becomes invalid while pressed", "f", "t-", 1);
+        row("held", "f", "t", 0);
+        row("invalid to false", "-", "f", 0);
+        row("pressed before it listened", "t", "f", 0);
+        row("twice", {}, "tftf", 2);
+    }
 
-void TestVehicleControls::pressesBoundButton() {
-    QFETCH(QByteArray, before);
-    QFETCH(QByteArray, after);
-    BoundButton button(value<BoolDataValue>("STW_leftMiddle"), QString());
-    QSignalSpy released(&button, &ControlBase::released);
-    play("STW_leftMiddle", before);
-    button.enableDVControl();
-    button.enableDVControl();
-    play("STW_leftMiddle", after);
-    QTEST(int(released.count()), "actions");
-}
+    void pressesBoundButton() {
+        const auto [before, after] = cells<QByteArray, QByteArray>();
+        BoundButton button(value<BoolDataValue>("STW_leftMiddle"), QString());
+        QSignalSpy released(&button, &ControlBase::released);
+        play("STW_leftMiddle", before);
+        button.enableDVControl();
+        button.enableDVControl();
+        play("STW_leftMiddle", after);
+        QTEST(int(released.count()), "actions");
+    }
 
-void TestVehicleControls::followsOnlyWhileShownEnabledAndControlled() {
-    BoundButton button(value<BoolDataValue>("STW_leftTop"), QString());
-    QSignalSpy released(&button, &ControlBase::released);
-    const auto actsNow = [&released] {
-        released.clear();
-        play("STW_leftTop", "tf");
-        return released.count() == 1;
-    };
-    QVERIFY(!actsNow());
-    button.show(false);
-    button.enableDVControl();
-    QVERIFY(!actsNow());
-    button.show(true);
-    QVERIFY(actsNow());
-    button.enable(false);
-    QVERIFY(!actsNow());
-    button.enable(true);
-    QVERIFY(actsNow());
-    button.disableDVControl();
-    QVERIFY(!actsNow());
-}
+    void followsOnlyWhileShownEnabledAndControlled() {
+        BoundButton button(value<BoolDataValue>("STW_leftTop"), QString());
+        QSignalSpy released(&button, &ControlBase::released);
+        const auto actsNow = [&released] {
+            released.clear();
+            play("STW_leftTop", "tf");
+            return released.count() == 1;
+        };
+        QVERIFY(!actsNow());
+        button.show(false);
+        button.enableDVControl();
+        QVERIFY(!actsNow());
+        button.show(true);
+        QVERIFY(actsNow());
+        button.enable(false);
+        QVERIFY(!actsNow());
+        button.enable(true);
+        QVERIFY(actsNow());
+        button.disableDVControl();
+        QVERIFY(!actsNow());
+    }
 
-void TestVehicleControls::releasesOnlyItsOwnPress() {
-    BoundButton button(value<BoolDataValue>("STW_leftTop"), QString());
-    button.enableDVControl();
-    QSignalSpy released(&button, &ControlBase::released);
-    play("STW_leftTop", "t");
-    button.enable(false);
-    button.enable(true);
-    button.touched();  // by a finger
-    play("STW_leftTop", "f");
-    QCOMPARE(released.count(), 0);
-    button.released();
-    QCOMPARE(released.count(), 1);
-}
-
-void TestVehicleControls::movesBoundSwitch_data() {
-    QTest::addColumn<int>("from");
-    QTest::addColumn<QVariantList>("counter");
-    QTest::addColumn<int>("to");
-    QTest::addRow("a rise goes to the first label") << 2 << QVariantList{10, 11} << 1;
-    QTest::addRow("a fall goes to the last") << 1 << QVariantList{10, 8} << 3;
-    QTest::addRow("stays at the first") << 1 << QVariantList{0, 100} << 0;
-    QTest::addRow("stays at the last") << 1 << QVariantList{0, INT_MIN} << 3;
-    QTest::addRow("first value") << 1 << QVariantList{QVariant(), 5} << 1;
-    QTest::addRow("lost and found again") << 1 << QVariantList{4, QVariant(), 5} << 1;
-    QTest::addRow("whole range") << 1 << QVariantList{INT_MIN, INT_MAX} << 0;
-}
-
-void TestVehicleControls::movesBoundSwitch() {
-    QFETCH(QVariantList, counter);
-    QFETCH(int, from);
-    WheelUser user;
-    user.scrolled.setPosition(from);
-    QSignalSpy moved(&user.scrolled, &SwitchControl::positionChanged);
-    setValue("STW_leftScroll", counter.takeFirst());
-    user.scrolled.enableDVControl();
-    for (const QVariant& to : counter)
-        setValue("STW_leftScroll", to);
-    QTEST(user.scrolled.position(), "to");
-    QCOMPARE(moved.count(), 0);
-}
-
-void TestVehicleControls::stopsByBrake_data() {
-    QTest::addColumn<QByteArray>("state");
-    QTest::addColumn<QByteArray>("pedal");
-    QTest::addColumn<int>("actions");
-    QTest::addRow("pressed twice") << QByteArray("on") << QByteArray("ftft") << 2;
-    QTest::addRow("let go and lost") << QByteArray("on") << QByteArray("f-f") << 0;
-    for (const char* state : {"off", "ignored", "disabled"})
-        QTest::addRow("%s", state) << QByteArray(state) << QByteArray("ft") << 0;
-}
-
-void TestVehicleControls::stopsByBrake() {
-    QFETCH(QByteArray, state);
-    QFETCH(QByteArray, pedal);
-    BrakesAndDVControllableButton button(nullptr, "Stop", nullptr);
-    button.ignoreBrakesWhen([state] { return state == "ignored"; });
-    for (int round = 0; round < 2; ++round) {
-        button.enableBrakesControl();
+    void releasesOnlyItsOwnPress() {
+        BoundButton button(value<BoolDataValue>("STW_leftTop"), QString());
+        button.enableDVControl();
+        QSignalSpy released(&button, &ControlBase::released);
+        play("STW_leftTop", "t");
         button.enable(false);
         button.enable(true);
+        button.touched();  // by a finger
+        play("STW_leftTop", "f");
+        QCOMPARE(released.count(), 0);
+        button.released();
+        QCOMPARE(released.count(), 1);
     }
-    if (state == "off")
-        button.disableBrakesControl();
-    button.enable(state != "disabled");
-    QSignalSpy released(&button, &ControlBase::released);
-    play("VAPI_brakePedal", pedal);
-    QTEST(int(released.count()), "actions");
-}
 
-void TestVehicleControls::takesAndGivesBackWheel() {
-    WheelUser user;
-    setValue("STW_leftScroll", 20);
-    setValue("GUI_steeringWheelControlsMode", 2);
-    auto handler = std::make_unique<NVHModeHandler>(user);
-    QCOMPARE(value<IntDataValue>("GUI_steeringWheelControlsMode")->value(), 6);
-    setValue("STW_leftScroll", 18);
-    QCOMPARE(user.scrolled.position(), 2);
-    handler.reset();
-    QCOMPARE(user.told, QByteArray("acquired yielded "));
-    QCOMPARE(value<IntDataValue>("GUI_steeringWheelControlsMode")->value(), 0);
-    QCOMPARE(value<IntDataValue>("STW_leftScroll")->value(), 20);
-    QCOMPARE(user.scrolled.position(), 2);
-}
-
-void TestVehicleControls::leavesWheelThatIsTakenAlready() {
-    WheelUser user;
-    setValue("STW_leftScroll", 20);
-    setValue("GUI_steeringWheelControlsMode", 6);
-    {
-        const NVHModeHandler handler(user);
-        QCOMPARE(user.told, QByteArray());
-        setValue("STW_leftScroll", 25);
+    void movesBoundSwitch_data() {
+        const auto row = columns<int, QVariantList, int>("from", "counter", "to");
+        row("a rise goes to the first label", 2, QVariantList{10, 11}, 1);
+        row("a fall goes to the last", 1, QVariantList{10, 8}, 3);
+        row("stays at the first", 1, QVariantList{0, 100}, 0);
+        row("stays at the last", 1, QVariantList{0, INT_MIN}, 3);
+        row("first value", 1, QVariantList{QVariant(), 5}, 1);
+        row("lost and found again", 1, QVariantList{4, QVariant(), 5}, 1);
+        row("whole range", 1, QVariantList{INT_MIN, INT_MAX}, 0);
     }
-    QCOMPARE(user.told, QByteArray("yielded "));
-    QCOMPARE(value<IntDataValue>("STW_leftScroll")->value(), 25);
-}
 
-void TestVehicleControls::noticesLoss() {
-    for (const QVariant& taken : {QVariant(3), QVariant(0), QVariant()}) {
+    void movesBoundSwitch() {
+        auto [from, counter] = cells<int, QVariantList>();
         WheelUser user;
-        NVHModeHandler handler(user);
-        setValue("GUI_steeringWheelControlsMode", taken);
-        QCOMPARE(user.told, QByteArray("acquired lost "));
-        handler.yield();
-        setValue("GUI_steeringWheelControlsMode", 6);
-        QCOMPARE(user.told, QByteArray("acquired lost "));
-        handler.yield();
-        handler.acquire();
-        QCOMPARE(user.told, QByteArray("acquired lost yielded acquired "));
+        user.scrolled.setPosition(from);
+        QSignalSpy moved(&user.scrolled, &SwitchControl::positionChanged);
+        setValue("STW_leftScroll", counter.takeFirst());
+        user.scrolled.enableDVControl();
+        for (const QVariant& to : counter)
+            setValue("STW_leftScroll", to);
+        QTEST(user.scrolled.position(), "to");
+        QCOMPARE(moved.count(), 0);
     }
-}
+
+    void stopsByBrake_data() {
+        const auto row = columns<QByteArray, QByteArray, int>("state", "pedal", "actions");
+        row("pressed twice", "on", "ftft", 2);
+        row("let go and lost", "on", "f-f", 0);
+        for (const char* state : {"off", "ignored", "disabled"})
+            row(state, QByteArray(state), "ft", 0);
+    }
+
+    void stopsByBrake() {
+        const auto [state, pedal] = cells<QByteArray, QByteArray>();
+        BrakesAndDVControllableButton button(nullptr, "Stop", nullptr);
+        button.ignoreBrakesWhen([state] { return state == "ignored"; });
+        for (int round = 0; round < 2; ++round) {
+            button.enableBrakesControl();
+            button.enable(false);
+            button.enable(true);
+        }
+        if (state == "off")
+            button.disableBrakesControl();
+        button.enable(state != "disabled");
+        QSignalSpy released(&button, &ControlBase::released);
+        play("VAPI_brakePedal", pedal);
+        QTEST(int(released.count()), "actions");
+    }
+
+    void takesAndGivesBackWheel() {
+        WheelUser user;
+        setValue("STW_leftScroll", 20);
+        setValue("GUI_steeringWheelControlsMode", 2);
+        auto handler = std::make_unique<NVHModeHandler>(user);
+        QCOMPARE(value<IntDataValue>("GUI_steeringWheelControlsMode")->value(), 6);
+        setValue("STW_leftScroll", 18);
+        QCOMPARE(user.scrolled.position(), 2);
+        handler.reset();
+        QCOMPARE(user.told, QByteArray("acquired yielded "));
+        QCOMPARE(value<IntDataValue>("GUI_steeringWheelControlsMode")->value(), 0);
+        QCOMPARE(value<IntDataValue>("STW_leftScroll")->value(), 20);
+        QCOMPARE(user.scrolled.position(), 2);
+    }
+
+    void leavesWheelThatIsTakenAlready() {
+        WheelUser user;
+        setValue("STW_leftScroll", 20);
+        setValue("GUI_steeringWheelControlsMode", 6);
+        {
+            const NVHModeHandler handler(user);
+            QCOMPARE(user.told, QByteArray());
+            setValue("STW_leftScroll", 25);
+        }
+        QCOMPARE(user.told, QByteArray("yielded "));
+        QCOMPARE(value<IntDataValue>("STW_leftScroll")->value(), 25);
+    }
+
+    void noticesLoss() {
+        for (const QVariant& taken : {QVariant(3), QVariant(0), QVariant()}) {
+            WheelUser user;
+            NVHModeHandler handler(user);
+            setValue("GUI_steeringWheelControlsMode", taken);
+            QCOMPARE(user.told, QByteArray("acquired lost "));
+            handler.yield();
+            setValue("GUI_steeringWheelControlsMode", 6);
+            QCOMPARE(user.told, QByteArray("acquired lost "));
+            handler.yield();
+            handler.acquire();
+            QCOMPARE(user.told, QByteArray("acquired lost yielded acquired "));
+        }
+    }
+};
 
 QTEST_MAIN(TestVehicleControls)
 #include "tst_vehiclecontrols.moc"

@@ -13,7 +13,7 @@ class TestResultFiles : public MachineTest {
 
 private slots:
     void putsSelectionsIntoWords_data() {
-        columns<int, QString>("seconds", "words");
+        const auto row = columns<int, QString>("seconds", "words");
         row("-1", -1, "8192 left NVH");
         row("0", 0, "2048 sum NVH");
         row("1", 5, "4096 left VDT");
@@ -41,7 +41,7 @@ private slots:
     }
 
     void tagsTestTypes_data() {
-        columns<QString>("tag");
+        const auto row = columns<QString>("tag");
         const QString tags =
             "35 MPH=35MPH|42-43 Steady=42_43_STEADY|65 MPH=65MPH|75 MPH=75MPH|App Test=APPTEST|Brake Squeal=BSQUEAL|"
             "BSR=BSR|Clunk=CLUNK|Drive=DRIVE|Invalid=INVALID|Mic "
@@ -77,18 +77,16 @@ private slots:
     }
 
     void movesRecording_data() {
-        columns<int, QString, bool>("type", "target", "captured");
+        const auto row = columns<int, QString, bool>("type", "target", "captured");
         row("ambient", 0, "/tmp/ambient.wav", true);
         row("notes", 1, "/tmp/notes.wav", true);
         row("test", 2, "/tmp/recording.wav", true);
         row("no capture", 2, "/tmp/recording.wav", false);
-        row("invalid", 3, QString(), true);
+        row("invalid", 3, {}, true);
     }
 
     void movesRecording() {
-        QFETCH(int, type);
-        QFETCH(QString, target);
-        QFETCH(bool, captured);
+        const auto [type, target, captured] = cells<int, QString, bool>();
         for (const char* file : {"/tmp/ambient.wav", "/tmp/notes.wav", "/tmp/recording.wav"})
             writeFile(file, "old");
         if (captured)
@@ -131,7 +129,7 @@ private slots:
     }
 
     void namesPackages_data() {
-        columns<QVariant, QString, bool, QString>("trim", "type", "pass", "name");
+        const auto row = columns<QVariant, QString, bool, QString>("trim", "type", "pass", "name");
         row("fail", QVariant(0), "Ramp", false, "TEST1VEHICLE00001-Base-v3.0_fail-CAR_RAMP-");
         row("plus", QVariant(1), "WOT", true, "TEST1VEHICLE00001-Base-v3.0_pass-CAR_WOT-");
         row("invalid trim", QVariant(), "Drive", true, "TEST1VEHICLE00001-Invalid-v3.0_pass-CAR_DRIVE-");
@@ -139,10 +137,7 @@ private slots:
     }
 
     void namesPackages() {
-        QFETCH(QVariant, trim);
-        QFETCH(QString, type);
-        QFETCH(bool, pass);
-        QFETCH(QString, name);
+        const auto [trim, type, pass, name] = cells<QVariant, QString, bool, QString>();
         setValue("VAPI_trim", trim);
         writeFile("/tmp/notes.wav", "notes");
         mWorker.setSaveOnlyState(true);
@@ -180,7 +175,7 @@ private slots:
     }
 
     void judgesTables_data() {
-        columns<QString, bool>("table", "pass");
+        const auto row = columns<QString, bool>("table", "pass");
         row("empty", "", true);
         row("above at the upper bound", "1000 0 5.1 0", false);
         row("above at the lower bound", "900 0 5.1 0", false);
@@ -199,7 +194,7 @@ private slots:
     }
 
     void repairsWavHeaders_data() {
-        columns<int, qint32, qint32>("size", "dataSize", "riffSize");
+        const auto row = columns<int, qint32, qint32>("size", "dataSize", "riffSize");
         row("header alone", 44, 0, 36);
         row("one frame", 60, 16, 52);
         row("short of a header", 10, -34, 2);

@@ -17,23 +17,20 @@ class TestTargetPrograms : public MachineTest {
 
 private slots:
     void checksMicrophones_data() {
-        columns<QByteArray, QString, QString, QString>("script", "testType", "feedback", "report");
+        const auto row = columns<QByteArray, QString, QString, QString>("script", "testType", "feedback", "report");
         const QString answer = "check-mic 0.002 1.5 \n";
-        row("verdict", QByteArray("echo \"$1 $2 $3\"; echo Gerät >&2"), "Mic Test",
+        row("verdict", "echo \"$1 $2 $3\"; echo Gerät >&2", "Mic Test",
             answer + "/tmp/recording.wav 0.002 1.5\nGerät\n", answer + "/tmp/recording.wav 0.002 1.5\nGerät\n");
-        row("failing", QByteArray("echo fail; exit 3"), "Mic Test", answer + "fail\n", answer + "fail\n");
-        row("silent", QByteArray("true"), "Mic Test", answer, answer);
+        row("failing", "echo fail; exit 3", "Mic Test", answer + "fail\n", answer + "fail\n");
+        row("silent", "true", "Mic Test", answer, answer);
         const QString error = "Error executing the mic-check utility\n";
-        row("crash", QByteArray("echo half; kill -9 $$"), "Mic Test", error + "half\n", QString());
-        row("absent", QByteArray(), "Mic Test", error, QString());
-        row("another test", QByteArray("echo pass"), "mic test", QString(), QString());
+        row("crash", "echo half; kill -9 $$", "Mic Test", error + "half\n", {});
+        row("absent", {}, "Mic Test", error, {});
+        row("another test", "echo pass", "mic test", {}, {});
     }
 
     void checksMicrophones() {
-        QFETCH(QByteArray, script);
-        QFETCH(QString, testType);
-        QFETCH(QString, feedback);
-        QFETCH(QString, report);
+        const auto [script, testType, feedback, report] = cells<QByteArray, QString, QString, QString>();
         configure("nvh/micCheck_RmsThres", "0.002");
         QFile::remove("/usr/bin/check-mic");
         if (!script.isEmpty())
@@ -93,7 +90,7 @@ private slots:
     }
 
     void killsHangingAnalysis_data() {
-        columns<bool>("savedMeanwhile");
+        const auto row = columns<bool>("savedMeanwhile");
         row("by itself", false);
         row("saved meanwhile", true);
     }

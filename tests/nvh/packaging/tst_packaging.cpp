@@ -74,7 +74,7 @@ private slots:
     }
 
     void namesArchiveWhenItIsWhole_data() {
-        columns<bool>("destroyed");
+        const auto row = columns<bool>("destroyed");
         row("left alone", false);
         row("destroyed meanwhile", true);
     }
@@ -104,7 +104,7 @@ private slots:
     }
 
     void rescuesFilesOfArchiveWithoutName_data() {
-        columns<QString, QString>("obstacle", "words");
+        const auto row = columns<QString, QString>("obstacle", "words");
         row("a folder has its name", "folder", kPackage + ": Is a directory");
         row("a link lies in its way", "link", kPackage + ".part: Too many levels of symbolic links");
     }
@@ -166,26 +166,23 @@ private slots:
     }
 
     void keepsFilesOfBadArchive_data() {
-        columns<QString, QByteArray, QString, int, QString>("program", "script", "archive", "failures", "words");
+        const auto row =
+            columns<QString, QByteArray, QString, int, QString>("program", "script", "archive", "failures", "words");
         const QString gone = "tar tar: /tmp/nvh-gone.txt: Cannot stat: No such file or directory";
-        row("tar fails", "tar", QByteArray("/bin/tar \"$@\"; exit 2"), kPackage, 0, gone);
-        row("tar packs nothing", "tar", QByteArray("head -c 10240 /dev/zero"), kPackage, 0, QString("tar "));
-        row("tar crashes", "tar", QByteArray("echo ./tar: oh >&2; kill -9 $$"), kPackage, 1, QString("tar ./tar: oh"));
-        row("tar absent", "tar", QByteArray(), kPackage, 1, QString("tar "));
-        row("gzip fails", "gzip", QByteArray("/bin/gzip \"$@\"; echo gzip oh >&2; exit 1"), kPackage, 0,
-            QString("gzip gzip oh"));
-        row("gzip crashes", "gzip", QByteArray("kill -9 $$"), kPackage, 2, QString("gzip "));
-        row("gzip absent", "gzip", QByteArray(), kPackage, 2, QString("gzip "));
-        row("blank in a name", QString(), QByteArray(), kPackage, 0, gone);
-        row("no place for the archive", QString(), QByteArray(), "/proc/none/x.tgz", 1,
-            QString(" /proc/none/x.tgz.part: No such file or directory"));
+        row("tar fails", "tar", "/bin/tar \"$@\"; exit 2", kPackage, 0, gone);
+        row("tar packs nothing", "tar", "head -c 10240 /dev/zero", kPackage, 0, "tar ");
+        row("tar crashes", "tar", "echo ./tar: oh >&2; kill -9 $$", kPackage, 1, "tar ./tar: oh");
+        row("tar absent", "tar", {}, kPackage, 1, "tar ");
+        row("gzip fails", "gzip", "/bin/gzip \"$@\"; echo gzip oh >&2; exit 1", kPackage, 0, "gzip gzip oh");
+        row("gzip crashes", "gzip", "kill -9 $$", kPackage, 2, "gzip ");
+        row("gzip absent", "gzip", {}, kPackage, 2, "gzip ");
+        row("blank in a name", {}, {}, kPackage, 0, gone);
+        row("no place for the archive", {}, {}, "/proc/none/x.tgz", 1,
+            " /proc/none/x.tgz.part: No such file or directory");
     }
 
     void keepsFilesOfBadArchive() {
-        QFETCH(QString, program);
-        QFETCH(QByteArray, script);
-        QFETCH(QString, archive);
-        QFETCH(int, failures);
+        const auto [program, script, archive, failures] = cells<QString, QByteArray, QString, int>();
         if (!script.isEmpty())
             replaceProgram(program, script);
         else if (!program.isEmpty())
