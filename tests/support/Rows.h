@@ -35,10 +35,3 @@ std::tuple<Types...> cells() {
     }
     (std::index_sequence_for<Types...>());
 }
-
-// A row whose cells have the very types of their columns.
-template <typename... Cells>
-void row(const char* name, const Cells&... cells) {
-    QTestData& data = QTest::newRow(name);
-    (data << ... << cells);
-}

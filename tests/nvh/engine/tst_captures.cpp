@@ -48,7 +48,7 @@ private slots:
     void initTestCase() { QCOMPARE(::prctl(PR_SET_CHILD_SUBREAPER, 1), 0); }
 
     void packsNoOlderRecording_data() {
-        columns<QByteArray, QString, QString>("mode", "recordingFile", "why");
+        const auto row = columns<QByteArray, QString, QString>("mode", "recordingFile", "why");
         row("recorder wrote nothing", QByteArray("nothing"), kRecording, "the recorder wrote nothing");
         row("no device", QByteArray("refuse"), kRecording, "the recorder wrote nothing");
         row("no recorder", QByteArray("absent"), kRecording, "/usr/bin/arecord could not be started");
@@ -57,9 +57,7 @@ private slots:
     }
 
     void packsNoOlderRecording() {
-        QFETCH(QByteArray, mode);
-        QFETCH(QString, recordingFile);
-        QFETCH(QString, why);
+        const auto [mode, recordingFile, why] = cells<QByteArray, QString, QString>();
         mMachine.reset(mode);
         if (mode == "absent")
             QFile::remove("/usr/bin/arecord");
@@ -122,13 +120,13 @@ private slots:
     }
 
     void endsRecorderOfDeadHost_data() {
-        columns<QByteArray>("mode");
+        const auto row = columns<QByteArray>("mode");
         row("told to end", QByteArray());
         row("deaf", QByteArray("deaf"));
     }
 
     void endsRecorderOfDeadHost() {
-        QFETCH(QByteArray, mode);
+        const auto [mode] = cells<QByteArray>();
         mMachine.reset(mode);
         QProcess host;
         host.start(NVH_BIN_DIR "/nvh-tool", {"--config", PrivateMachine::kConfig, "record", "--type", "WOT", "--save"});
@@ -176,13 +174,13 @@ private slots:
     }
 
     void keepsItsFilesToItself_data() {
-        columns<QString>("end");
+        const auto row = columns<QString>("end");
         for (const char* end : {"saved", "discarded", "gone"})
             row(end, QString(end));
     }
 
     void keepsItsFilesToItself() {
-        QFETCH(QString, end);
+        const auto [end] = cells<QString>();
         auto first = std::make_unique<WatchedEngine>(*mJournal);
         first->start();
         QVERIFY(recorderWrites());
@@ -227,7 +225,7 @@ private slots:
     }
 
     void leavesAloneWhatIsNotItsOwn_data() {
-        columns<QString, QString, QString>("file", "kind", "refusal");
+        const auto row = columns<QString, QString, QString>("file", "kind", "refusal");
         row("recording is a link", kRecording, "link", "Too many levels of symbolic links");
         row("recording is a FIFO", kRecording, "FIFO", "Operation not permitted");
         row("recording is another user's", kRecording, "foreign", "Permission denied");
@@ -241,9 +239,7 @@ private slots:
     }
 
     void leavesAloneWhatIsNotItsOwn() {
-        QFETCH(QString, file);
-        QFETCH(QString, kind);
-        QFETCH(QString, refusal);
+        const auto [file, kind, refusal] = cells<QString, QString, QString>();
         const std::string name = file.toStdString();
         writeFile("/tmp/precious.txt", "precious");
         if (kind == "link")
@@ -308,15 +304,13 @@ private slots:
     }
 
     void filesRecordingOfAnotherScreen_data() {
-        columns<QString, bool, QString>("type", "clunk", "tag");
+        const auto row = columns<QString, bool, QString>("type", "clunk", "tag");
         row("plain", "35 MPH", false, "-CAR_35MPH-");
         row("torque reversal", "WOT", true, "-CAR_WOT_CLUNK-");
     }
 
     void filesRecordingOfAnotherScreen() {
-        QFETCH(QString, type);
-        QFETCH(bool, clunk);
-        QFETCH(QString, tag);
+        const auto [type, clunk, tag] = cells<QString, bool, QString>();
         auto recorded = std::make_unique<WatchedEngine>(*mJournal, type);
         recorded->setClunkButtonState(clunk);
         recorded->start();

@@ -132,16 +132,14 @@ private slots:
     }
 
     void keepsRunningUnlessBrakeSquealsToStandstill_data() {
-        columns<QString, QString, double>("firstType", "type", "speed");
+        const auto row = columns<QString, QString, double>("firstType", "type", "speed");
         row("rolling", "Brake Squeal", "Brake Squeal", 0.1);
         row("another type", "65 MPH", "brake squeal", 0.0);
         row("another type after a brake squeal", "Brake Squeal", "65 MPH", 0.0);
     }
 
     void keepsRunningUnlessBrakeSquealsToStandstill() {
-        QFETCH(QString, firstType);
-        QFETCH(QString, type);
-        QFETCH(double, speed);
+        const auto [firstType, type, speed] = cells<QString, QString, double>();
         setValue("VAPI_signedVehicleSpeed", 12.0);
         WatchedEngine worker(*mJournal, firstType);
         worker.start();
@@ -162,16 +160,14 @@ private slots:
     }
 
     void terminatesHangingLogger_data() {
-        columns<QString, QString, QString>("value", "log", "thread");
+        const auto row = columns<QString, QString, QString>("value", "log", "thread");
         row("speed", "VAPI_signedVehicleSpeed", "/tmp/nvh-vehiclespeed.txt", "mVehicleSpeedLoggerThread");
         row("torque", "VAPI_torqueCmd", "/tmp/nvh-motortorque.txt", "mMotorTorqueLoggerThread");
         row("rpm", "VAPI_motorRPM", "/tmp/nvh-rpm.txt", "mMotorRPMLoggerThread");
     }
 
     void terminatesHangingLogger() {
-        QFETCH(QString, value);
-        QFETCH(QString, log);
-        QFETCH(QString, thread);
+        const auto [value, log, thread] = cells<QString, QString, QString>();
         writeFile("/tmp/notes.wav", "said before");
         WatchedEngine worker(*mJournal);
         const int threads = threadCount();
@@ -199,14 +195,14 @@ private slots:
     }
 
     void endsEverythingWhenDestroyed_data() {
-        columns<QString>("stage");
+        const auto row = columns<QString>("stage");
         for (const char* stage : {"recording", "recording with a hanging logger", "recorder ending", "microphone check",
                                   "analysis", "packaging", "upload", "post"})
             row(stage, stage);
     }
 
     void endsEverythingWhenDestroyed() {
-        QFETCH(QString, stage);
+        const auto [stage] = cells<QString>();
         mMachine.reset(stage == "recorder ending" ? "slow" : "");
         installProgram("/usr/bin/check-mic", "exec sleep 60");
         installProgram("/usr/local/bin/whine", "exec sleep 60");
@@ -256,7 +252,7 @@ private slots:
     }
 
     void reportsFailingRecorder_data() {
-        columns<QByteArray, QString, QString>("mode", "output", "recording");
+        const auto row = columns<QByteArray, QString, QString>("mode", "output", "recording");
         row("no device", QByteArray("refuse"), "audio open error: No such file or directory\n", "old");
         row("disk full", QByteArray("full"), "write error: No space left on device\n", "new");
         row("crash", QByteArray("crash"), "", "new");
@@ -264,9 +260,7 @@ private slots:
     }
 
     void reportsFailingRecorder() {
-        QFETCH(QByteArray, mode);
-        QFETCH(QString, output);
-        QFETCH(QString, recording);
+        const auto [mode, output, recording] = cells<QByteArray, QString, QString>();
         mMachine.reset(mode);
         writeFile(kRecording, "old");
         writeFile(mMachine.kCapture, "left by a run long ago");
@@ -292,7 +286,7 @@ private slots:
     }
 
     void waitsForEndingRecorder_data() {
-        columns<QString, QByteArray>("request", "ending");
+        const auto row = columns<QString, QByteArray>("request", "ending");
         row("start", "start", QByteArray());
         row("start, then a crash", "start", QByteArray("crash"));
         row("results", "results", QByteArray());
@@ -301,8 +295,7 @@ private slots:
     }
 
     void waitsForEndingRecorder() {
-        QFETCH(QString, request);
-        QFETCH(QByteArray, ending);
+        const auto [request, ending] = cells<QString, QByteArray>();
         mMachine.reset("slow");
         WatchedEngine worker(*mJournal);
         worker.start();
@@ -342,14 +335,14 @@ private slots:
     }
 
     void keepsClipAndTestRecordingApart_data() {
-        columns<QString>("clip");
+        const auto row = columns<QString>("clip");
         row("on one file system", "/tmp/notes.wav");
         row("on another one", "/dev/shm/nvh-test-notes.wav");
     }
 
     // A clip is moved while its recorder still completes it.
     void keepsClipAndTestRecordingApart() {
-        QFETCH(QString, clip);
+        const auto [clip] = cells<QString>();
         mMachine.reset("slow");
         configure("nvh/notesRecordingFilename", clip);
         writeFile(kRecording, "recorded before");
@@ -369,13 +362,13 @@ private slots:
     }
 
     void packsLastRunBeforeNextOneStarts_data() {
-        columns<QString>("testType");
+        const auto row = columns<QString>("testType");
         row("while its recorder ends", "65 MPH");
         row("while its microphones are checked", "Mic Test");
     }
 
     void packsLastRunBeforeNextOneStarts() {
-        QFETCH(QString, testType);
+        const auto [testType] = cells<QString>();
         const bool micTest = testType == "Mic Test";
         mMachine.reset(micTest ? "" : "slow");
         installProgram("/usr/bin/check-mic", "while [ ! -e /tmp/recorder-may-end ]; do sleep 0.01; done; echo PASS");
