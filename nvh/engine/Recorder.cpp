@@ -52,6 +52,9 @@ void Recorder::start(Purpose purpose, const QString& captureFile) {
     mPurpose = purpose;
     mFate = Fate::Open;
     mCapture = captureFile;
+    // The one before may be telling of its end just now.
+    if (mProcess)
+        mProcess.release()->deleteLater();
     mProcess = std::make_unique<ChildProcess>(parent(), ChildProcess::WhenOrphaned::Terminate);
     // The program says what is wrong on standard error; it belongs to the output that is read.
     mProcess->setProcessChannelMode(QProcess::MergedChannels);
