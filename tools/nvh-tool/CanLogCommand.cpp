@@ -129,6 +129,8 @@ private:
     }
 
     void ended() {
+        // Nothing is to be said behind the last line.
+        mProgressTimer.stop();
         mThread.wait();
         mClient.deinitSockets();
         if (mAcknowledged)
