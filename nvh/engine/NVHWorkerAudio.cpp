@@ -10,9 +10,6 @@
 #include <QFile>
 #include <QTimer>
 
-#include <cerrno>
-#include <cstring>
-
 void NVHWorker::startAudioRecording() {
     Logger(this, "INFO") << "startAudioRecording";
     if (mRecorder.isActive())
@@ -161,20 +158,16 @@ void NVHWorker::processRecording(RECORDING_TYPE type) {
 // Why the capture is not in its place; empty if it is, or will be when its recorder has ended.
 QString NVHWorker::fileCapture(RECORDING_TYPE type, const QString& target) {
     const QString capture = cCapturingFileName.value();
-    QString failure;
     // Without a capture there is nothing to put in the target's place.
     const QString noCapture = QStringLiteral("No capture file %1 - keeping %2").arg(capture, target);
     if (mRecorder.isActive())
         return mRecorder.fileAs(target) ? QString() : noCapture;
     if (!isOwnPlainFile(capture))
         return noCapture;
-    // It may be what another recorder is writing, or lie in the place of somebody else's file.
-    failure = keepFiles();
+    // It may be what another recorder is writing.
+    QString failure = keepFiles();
     if (failure.isEmpty())
-        failure = whyNotOwn(target);
-    if (failure.isEmpty() && !moveFile(capture, target))
-        failure = QStringLiteral("%1 cannot be moved to %2: %3")
-                      .arg(capture, target, QString::fromLocal8Bit(strerror(errno)));
+        failure = moveOwnFile(capture, target);
     if (type != RecordingTest)
         return failure;
     mCaptureOutcome.file = failure.isEmpty() ? target : QString();

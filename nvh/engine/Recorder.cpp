@@ -6,9 +6,7 @@
 
 #include <QFile>
 
-#include <cerrno>
 #include <cstdio>
-#include <cstring>
 
 namespace {
 
@@ -122,14 +120,10 @@ QString Recorder::whyNoSound(CaptureOutcome::How how) const {
 }
 
 QString Recorder::moveToLateTarget() {
-    const QString foreign = whyNotOwn(mLateTarget);
-    if (!foreign.isEmpty())
-        return foreign;
-    if (!moveFile(mCapture, mLateTarget))
-        return QStringLiteral("%1 cannot be moved to %2: %3")
-            .arg(mCapture, mLateTarget, QString::fromLocal8Bit(strerror(errno)));
-    mCapture = mLateTarget;
-    return QString();
+    const QString failure = moveOwnFile(mCapture, mLateTarget);
+    if (failure.isEmpty())
+        mCapture = mLateTarget;
+    return failure;
 }
 
 Recorder::Conclusion Recorder::conclude() {

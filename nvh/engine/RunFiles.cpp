@@ -3,6 +3,7 @@
 #include "nvh/engine/Settings.h"
 #include "nvh/engine/WavHeader.h"
 #include "nvh/files/OwnFile.h"
+#include "nvh/files/SystemWords.h"
 #include "nvh/vehicle/VehicleSignals.h"
 
 #include <HelixDash/services/LocationManager.h>
@@ -12,7 +13,6 @@
 #include <QFileInfo>
 
 #include <cerrno>
-#include <cstring>
 
 namespace {
 
@@ -85,9 +85,8 @@ std::optional<RunFiles::SetAside> RunFiles::setAsideUnfiledCapture(const QObject
         return std::nullopt;
     const QString folder = makeRescueFolder(capture);
     SetAside result{folder + QLatin1Char('/') + QFileInfo(capture).fileName(), QString()};
-    if (folder.isEmpty() || !repairUnfinishedWav(capture, sender) || !moveFile(capture, result.file))
-        result.error = QStringLiteral("%1 cannot be kept beside its place: %2")
-                           .arg(capture, QString::fromLocal8Bit(strerror(errno)));
+    if (folder.isEmpty() || !repairUnfinishedWav(capture, sender) || !moveOwnFile(capture, result.file).isEmpty())
+        result.error = QStringLiteral("%1 cannot be kept beside its place: %2").arg(capture, systemWord(errno));
     return result;
 }
 

@@ -1,6 +1,7 @@
 #include "nvh/engine/WavHeader.h"
 
 #include "nvh/capture/ErrorLog.h"
+#include "nvh/files/SystemWords.h"
 
 #include <HelixDash/services/Logger.h>
 
@@ -9,7 +10,6 @@
 #include <QtEndian>
 
 #include <cerrno>
-#include <cstring>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -29,11 +29,11 @@ WavHeader WavHeader::of(const QString& path) {
     struct stat status {};
     QByteArray bytes(kPlainSize, '\0');
     if (descriptor < 0 || ::fstat(descriptor, &status) != 0) {
-        header.mError = QString::fromLocal8Bit(std::strerror(errno));
+        header.mError = systemWord(errno);
     } else if (!S_ISREG(status.st_mode)) {
         header.mError = QStringLiteral("no plain file");
     } else if (const ssize_t size = ::pread(descriptor, bytes.data(), size_t(bytes.size()), 0); size < 0) {
-        header.mError = QString::fromLocal8Bit(std::strerror(errno));
+        header.mError = systemWord(errno);
     } else {
         bytes.truncate(size);
         header.mLength = status.st_size;
@@ -53,11 +53,6 @@ WavHeader WavHeader::of(const QString& path) {
 bool WavHeader::isUnfinished() const {
     return mPlain &&
            (mRiffSize != quint32(mLength) - kBeforeRiff || mDataSize == 0 || mDataSize > mLength - kPlainSize);
-}
-
-bool holdsSound(const QString& path) {
-    const WavHeader header = WavHeader::of(path);
-    return header.isWav() && header.fileLength() > WavHeader::kPlainSize;
 }
 
 bool writeBytesToFile(FILE* file, int offset, const void* data, size_t size, const QObject* sender) {

@@ -38,9 +38,6 @@ private:
     quint32 mDataSize = 0;
 };
 
-// True for a WAV file with something behind its header, finished or not.
-NVH_EXPORT bool holdsSound(const QString& path);
-
 // Sets the RIFF size (offset 4) and the data size (offset 40) of a WAV file with the plain header from the file's
 // length, modulo 2^32. False, with a log line of that sender, which may be null, if the file cannot be opened,
 // measured, written or closed. Any thread.

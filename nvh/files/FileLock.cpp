@@ -1,5 +1,7 @@
 #include "nvh/files/FileLock.h"
 
+#include "nvh/files/SystemWords.h"
+
 #include <QCryptographicHash>
 #include <QFile>
 #include <QFileInfo>
@@ -8,7 +10,6 @@
 #include <cerrno>
 #include <cstddef>
 #include <cstring>
-#include <pwd.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/un.h>
@@ -69,10 +70,7 @@ QString holderOf(const QByteArray& name) {
     ::close(socket);
     if (!known)
         return QStringLiteral("another recorder");
-    const struct passwd* user = ::getpwuid(holder.uid);
-    return QStringLiteral("process %1 of %2")
-        .arg(holder.pid)
-        .arg(user ? QString::fromLocal8Bit(user->pw_name) : QString::number(holder.uid));
+    return QStringLiteral("process %1 of %2").arg(holder.pid).arg(userName(holder.uid));
 }
 
 }  // namespace
@@ -91,8 +89,7 @@ bool FileLock::acquire(const QStringList& files, QString* reason) {
         if (socket < 0) {
             const int error = errno == EADDRINUSE ? EBUSY : errno;
             if (reason)
-                *reason = QStringLiteral("%1 (held by %2): %3")
-                              .arg(file, holderOf(name), QString::fromLocal8Bit(strerror(error)));
+                *reason = QStringLiteral("%1 (held by %2): %3").arg(file, holderOf(name), systemWord(error));
             for (const Held& held : taken)
                 ::close(held.socket);
             return false;

@@ -1,13 +1,13 @@
 #include "nvh/files/OwnFile.h"
 
+#include "nvh/files/SystemWords.h"
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 
 #include <cerrno>
-#include <cstring>
 #include <fcntl.h>
-#include <pwd.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -22,11 +22,6 @@ std::optional<struct stat> statusOf(const QString& path) {
 
 bool isOwnPlain(const struct stat& status) {
     return S_ISREG(status.st_mode) && status.st_uid == ::geteuid();
-}
-
-QString userName(uid_t user) {
-    const struct passwd* entry = ::getpwuid(user);
-    return entry ? QString::fromLocal8Bit(entry->pw_name) : QString::number(user);
 }
 
 int errorOf(const struct stat& status) {
@@ -51,6 +46,32 @@ int checked(int descriptor, nlink_t* links) {
     return -1;
 }
 
+bool moveFile(const QString& from, const QString& to) {
+    const auto rename = [](const QString& source, const QString& target) {
+        return std::rename(QFile::encodeName(source).constData(), QFile::encodeName(target).constData()) == 0;
+    };
+    if (rename(from, to))
+        return true;
+    if (errno != EXDEV)
+        return false;
+    const QString part = to + QLatin1String(".part");
+    QFile::remove(part);
+    QFile source(from);
+    if (!source.copy(part)) {
+        QFile::remove(part);
+        errno = EIO;
+        return false;
+    }
+    QFile::setPermissions(part, QFile::ReadOwner | QFile::WriteOwner);
+    if (!rename(part, to)) {
+        const int reason = errno;
+        QFile::remove(part);
+        errno = reason;
+        return false;
+    }
+    return QFile::remove(from);
+}
+
 }  // namespace
 
 bool isPlainFile(const QString& path) {
@@ -67,8 +88,7 @@ QString whyNotOwn(const QString& path) {
     const auto status = statusOf(path);
     if (!status || isOwnPlain(*status))
         return QString();
-    return QStringLiteral("%1 (owner %2): %3")
-        .arg(path, userName(status->st_uid), QString::fromLocal8Bit(strerror(errorOf(*status))));
+    return QStringLiteral("%1 (owner %2): %3").arg(path, userName(status->st_uid), systemWord(errorOf(*status)));
 }
 
 int openOwnFile(const QString& path) {
@@ -106,30 +126,11 @@ bool writeOwnFile(const QString& path, const QByteArray& content) {
     return (std::fclose(file) == 0) && written;
 }
 
-bool moveFile(const QString& from, const QString& to) {
-    const auto rename = [](const QString& source, const QString& target) {
-        return std::rename(QFile::encodeName(source).constData(), QFile::encodeName(target).constData()) == 0;
-    };
-    if (rename(from, to))
-        return true;
-    if (errno != EXDEV)
-        return false;
-    const QString part = to + QLatin1String(".part");
-    QFile::remove(part);
-    QFile source(from);
-    if (!source.copy(part)) {
-        QFile::remove(part);
-        errno = EIO;
-        return false;
-    }
-    QFile::setPermissions(part, QFile::ReadOwner | QFile::WriteOwner);
-    if (!rename(part, to)) {
-        const int reason = errno;
-        QFile::remove(part);
-        errno = reason;
-        return false;
-    }
-    return QFile::remove(from);
+QString moveOwnFile(const QString& from, const QString& to) {
+    const QString foreign = whyNotOwn(to);
+    if (!foreign.isEmpty() || moveFile(from, to))
+        return foreign;
+    return QStringLiteral("%1 cannot be moved to %2: %3").arg(from, to, systemWord(errno));
 }
 
 QString makeRescueFolder(const QString& file) {

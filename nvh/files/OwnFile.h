@@ -28,9 +28,9 @@ FILE* openOwnStream(const QString& path);
 // Replaces a file's content, or makes it. False if it cannot be opened, or not all of it was written.
 bool writeOwnFile(const QString& path, const QByteArray& content);
 
-// Moves a plain file over another one, in one step; the old one goes only when the new one is complete, also across
-// file systems, where the content is copied. False, with both as they were, if that fails.
-bool moveFile(const QString& from, const QString& to);
+// Moves a plain file over another one of this user, in one step; the old one goes only when the new one is complete,
+// also across file systems, where the content is copied. Empty if that is done, else why not, with both as they were.
+QString moveOwnFile(const QString& from, const QString& to);
 
 // Makes a folder beside a file, named after it: "/tmp/test.wav" gives "/tmp/test.rescue", or "/tmp/test.rescue-2"
 // where that is taken. Empty on failure.

@@ -44,7 +44,6 @@ void NvhPackageManager::startNextPackaging() {
     mPackageName = task->job.package;
     mUploadFailCount = 0;
     mUploadSuccessCount = 0;
-    mRescueFolder.clear();
     mPipeline = new PackagePipeline(task->job, this);
     connect(mPipeline, &PackagePipeline::failed, this, &NvhPackageManager::packageError);
     connect(mPipeline, &PackagePipeline::done, this, &NvhPackageManager::removeUnpackagedFiles);
@@ -75,7 +74,6 @@ void NvhPackageManager::removeUnpackagedFiles() {
     const Settlement& result = pipeline->result();
     PackageTask task = mPackings.end();
     const About about(this, task.job.number);
-    mRescueFolder = result.rescueFolder;
     task.outcome.rescueFolder = result.rescueFolder;
     if (!result.isComplete)
         task.conclude(PackageOutcome::What::Incomplete, pipeline->culprit(), pipeline->words());

@@ -90,8 +90,6 @@ public:
 
     // The package that was built or uploaded last, an absolute path.
     QString packageName() const { return mPackageName; }
-    // Where the loose files of the last package were kept because it is not complete; empty if it is.
-    QString rescueFolder() const { return mRescueFolder; }
     // True while nothing is packed, uploaded or posted, or waits for that.
     bool isIdle() const { return mPackings.isEmpty() && mTransfers.isEmpty(); }
     // True until a package that is being packed has its name and its loose files are gone; with a name, only if that
@@ -205,7 +203,6 @@ private:
     int mUploadFailCount = 0;
     int mSavedFilesCount = 0;
 
-    QString mRescueFolder;
     PackageQueue mPackings;   // the one in work is the pipeline's
     PackageQueue mTransfers;  // the one in work is being uploaded, then posted
     WaitingCalls mWhenNotPackaging;

@@ -1,13 +1,13 @@
 #include "nvh/packaging/PackagePipeline.h"
 
 #include "nvh/files/OwnFile.h"
+#include "nvh/files/SystemWords.h"
 #include "nvh/packaging/PackageFiles.h"
 
 #include <QFile>
 #include <QFileInfo>
 
 #include <cerrno>
-#include <cstring>
 #include <unistd.h>
 
 namespace {
@@ -86,7 +86,7 @@ void PackagePipeline::startPrograms() {
     mPart = mJob.package + QLatin1String(".part");
     const int descriptor = openOwnFile(mPart);
     if (descriptor < 0) {
-        mNoPart = QStringLiteral("%1: %2").arg(mPart, QString::fromLocal8Bit(strerror(errno)));
+        mNoPart = QStringLiteral("%1: %2").arg(mPart, systemWord(errno));
         mPart.clear();
         emit failed();
         enter(State::Settling);

@@ -1,6 +1,7 @@
 #include "nvh/packaging/PackageSettling.h"
 
 #include "nvh/files/OwnFile.h"
+#include "nvh/files/SystemWords.h"
 #include "nvh/packaging/PackageFiles.h"
 
 #include <QDir>
@@ -11,7 +12,6 @@
 #include <array>
 #include <cerrno>
 #include <cstdio>
-#include <cstring>
 #include <fcntl.h>
 #include <unistd.h>
 #include <zlib.h>
@@ -53,9 +53,7 @@ bool linkOrCopy(const QString& file, const QString& target) {
 
 // Gives the archive its name; the system's word if that, or bringing it to the disk, fails.
 QString nameArchive(const SettlingOrder& order, bool* isNamed) {
-    const auto word = [&order] {
-        return QStringLiteral("%1: %2").arg(order.package, QString::fromLocal8Bit(strerror(errno)));
-    };
+    const auto word = [&order] { return QStringLiteral("%1: %2").arg(order.package, systemWord(errno)); };
     QString reason;
     if (!bringToDisk(order.part))
         reason = word();

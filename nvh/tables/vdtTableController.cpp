@@ -2,13 +2,13 @@
 
 #include "nvh/engine/Settings.h"
 #include "nvh/files/OwnFile.h"
+#include "nvh/files/SystemWords.h"
 #include "nvh/tables/vdtTestCell.h"
 
 #include <HelixDash/json/KJson.h>
 #include <HelixDash/tables/TableView.h>
 
 #include <cerrno>
-#include <cstring>
 #include <utility>
 
 namespace {
@@ -47,7 +47,7 @@ void vdtTableController::collectVdtResults() {
     mWhyNoMarks.clear();
     if (writeOwnFile(file, KJson::Serializer::serialize(results)))
         return;
-    const QString reason = QString::fromLocal8Bit(std::strerror(errno));
+    const QString reason = systemWord(errno);
     mWhyNoMarks = whyNotOwn(file);
     if (mWhyNoMarks.isEmpty())
         mWhyNoMarks = QStringLiteral("%1: %2").arg(file, reason);
